@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QGraphicsLineItem>
+
+class MainScene;
+
+/// A line of the crosshair grid: horizontal (direction 2) or vertical (1). Moves only across
+/// itself.
+class GraphicsCross : public QGraphicsLineItem
+{
+public:
+    enum { Type = 0x10004 };
+
+    GraphicsCross(int direction, MainScene *scene, QGraphicsItem *parent);
+
+    int direction() const { return direction_; }
+    MainScene *mainScene() const { return scene_; }
+
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
+    int type() const override { return Type; }
+
+protected:
+    QVariant itemChange(GraphicsItemChange change, const QVariant &value) override;
+
+private:
+    int direction_;
+    MainScene *scene_;
+};
