@@ -5,7 +5,7 @@
 #include <QVariant>
 
 /// The fourteen drawing settings. Their names are the keys of group "draw" in ./config.ini.
-enum DrawProperty {
+enum DrawProperty : int {
     PointWidth,     ///< int, thickness of the handles
     PointColor,     ///< QColor
     LineWidth,      ///< int, thickness of the shapes' lines
