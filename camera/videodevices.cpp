@@ -1,0 +1,21 @@
+#include "camera/videodevices.h"
+
+namespace {
+
+void decode(const std::vector<std::string> &entries, QStringList &texts)
+{
+    for (const std::string &entry : entries)
+        texts.append(QString::fromUtf8(entry.data(), int(entry.size())));
+}
+
+} // namespace
+
+int listVideoDevices(QStringList &names, QStringList &paths)
+{
+    std::vector<std::string> rawNames;
+    std::vector<std::string> rawPaths;
+    const int count = enumerateVideoDevices(rawNames, rawPaths);
+    decode(rawNames, names);
+    decode(rawPaths, paths);
+    return count;
+}
