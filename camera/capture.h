@@ -14,7 +14,7 @@ extern QMutex cameraMutex;
 /// Guards the mask of pending parameters and the store of their values.
 extern QMutex parameterMutex;
 
-// The capture layer defines these two and enumerateVideoDevices of videodevices.h.
+// The capture layer defines these two and enumerateVideoDevices.
 
 /// The backend number given to `sharedCapture.open`.
 extern const int captureBackend;

@@ -1,5 +1,7 @@
 #include "camera/videodevices.h"
 
+#include "camera/enumeratevideodevices.h"
+
 namespace {
 
 void decode(const std::vector<std::string> &entries, QStringList &texts)
