@@ -6,15 +6,15 @@ if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 # What every target compiles with. No contraction: a fused multiply-add would change results from
-# one processor to the next.
+# one processor to the next. For C++ alone: the resource compiler knows none of these.
 add_library(tavorin_options INTERFACE)
 add_library(tavorin::options ALIAS tavorin_options)
 target_compile_options(tavorin_options INTERFACE
-    $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+    $<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang>:-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
         -Woverloaded-virtual -ffp-contract=off>
-    $<$<CXX_COMPILER_ID:MSVC>:/W4 /utf-8 /fp:precise>
-    $<$<AND:$<BOOL:${TAVORIN_WARNINGS_AS_ERRORS}>,$<CXX_COMPILER_ID:GNU,Clang>>:-Werror>
-    $<$<AND:$<BOOL:${TAVORIN_WARNINGS_AS_ERRORS}>,$<CXX_COMPILER_ID:MSVC>>:/WX>)
+    $<$<COMPILE_LANG_AND_ID:CXX,MSVC>:/W4 /utf-8 /fp:precise>
+    $<$<AND:$<BOOL:${TAVORIN_WARNINGS_AS_ERRORS}>,$<COMPILE_LANG_AND_ID:CXX,GNU,Clang>>:-Werror>
+    $<$<AND:$<BOOL:${TAVORIN_WARNINGS_AS_ERRORS}>,$<COMPILE_LANG_AND_ID:CXX,MSVC>>:/WX>)
 target_compile_definitions(tavorin_options INTERFACE QT_DEPRECATED_WARNINGS QT_NO_FOREACH)
 
 if(TAVORIN_SANITIZE)
