@@ -33,6 +33,14 @@ public:
     /// A further point for the bounding rectangle; (0, 0) means none.
     virtual QPointF extraPoint() const;
 
+    /// Computes anew what depends on the scale, the unit or a distance, and repaints.
+    void recompute()
+    {
+        prepareGeometryChange();
+        updateText();
+        update();
+    }
+
     QPen pen() const { return pen_; }
     void setPenWidth(int width);
     void setPenColor(const QColor &color);

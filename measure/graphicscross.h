@@ -16,6 +16,9 @@ public:
     int direction() const { return direction_; }
     MainScene *mainScene() const { return scene_; }
 
+    /// As easy to catch with the mouse as the line of a shape.
+    QPainterPath shape() const override;
+    QRectF boundingRect() const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
     int type() const override { return Type; }
 

@@ -9,6 +9,7 @@ class Base;
 class GraphicsCross;
 class QGraphicsRectItem;
 class QPaintDevice;
+class QPen;
 
 /// Scene of one image page: turns mouse events into records, keeps the finished ones in order, and
 /// holds the page's drawing properties, scale and unit.
@@ -40,10 +41,12 @@ public:
     void setItemText(const QString &text);
 
     QByteArray toJson() const;
+    /// Adds the shapes of a document; lets queued events run meanwhile, and notices when they take
+    /// away a shape or the scene. A document that comes during a load waits for its end.
     void loadJson(const QByteArray &json);
 
     /// Paints all finished shapes onto a device in picture pixels.
-    void renderItems(QPaintDevice *device);
+    void renderItems(QPaintDevice *device) const;
 
     /// Before the scene rectangle of a live page changes: how scene and picture pixels relate.
     void setViewScale(double sceneWidth, double pictureWidth);
@@ -84,6 +87,21 @@ protected:
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
 
 private:
+    class ShapeLoader;
+
+    Base *makeRecord(int type);
+    void dropCurrent();
+    void placePoint(QPointF pos);
+    void pickFocusArea(QPointF pos);
+    void updateBlinkRect();
+    void reformat(Base *record);
+
+    QPen crossPen() const;
+    void setCrossCount(int direction, int count);
+    void addCross(GraphicsCross *line);
+    void layOutCross(GraphicsCross *line) const;
+    void fitCrossLines();
+
     int drawType_ = 0;
     Base *current_ = nullptr; // owned
     QList<Base *> items_;     // owned, in order of finishing
@@ -101,4 +119,5 @@ private:
     bool coarseGrid = false;
     bool showBlinkRect = false;
     QPointF lastClick{-1.0, -1.0};
+    QList<QByteArray> loads; // the document being loaded and those that wait for it
 };
