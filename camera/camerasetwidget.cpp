@@ -14,7 +14,8 @@ constexpr int reflectionOn = 99;
 } // namespace
 
 CameraSetWidget::CameraSetWidget(QWidget *parent)
-    : QWidget(parent), ui(std::make_unique<Ui::CameraSetWidget>())
+    : QWidget(parent)
+    , ui(std::make_unique<Ui::CameraSetWidget>())
 {
     ui->setupUi(this);
 }
@@ -50,29 +51,19 @@ void CameraSetWidget::setControlsEnabled(bool enabled)
     ui->horizontalSlider->setEnabled(enabled && !ui->checkBox_2->isChecked());
 }
 
-void CameraSetWidget::setFocusValue(int value)
-{
-    ui->horizontalSlider->setValue(value);
-}
+void CameraSetWidget::setFocusValue(int value) { ui->horizontalSlider->setValue(value); }
 
-void CameraSetWidget::toggleAutoFocus()
-{
-    ui->checkBox_2->toggle();
-}
+void CameraSetWidget::toggleAutoFocus() { ui->checkBox_2->toggle(); }
 
-void CameraSetWidget::setEliminateReflection(bool on)
-{
-    ui->checkBox_3->setChecked(on);
-}
+void CameraSetWidget::setEliminateReflection(bool on) { ui->checkBox_3->setChecked(on); }
 
 void CameraSetWidget::on_defaultBtn_clicked()
 {
     ui->checkBox_2->setChecked(false);
     ui->checkBox_3->setChecked(false);
     // The focus too goes to 50, far from the motor's centre.
-    for (QSlider *slider :
-         {ui->horizontalSlider_2, ui->horizontalSlider_3, ui->horizontalSlider_4,
-          ui->horizontalSlider_5, ui->horizontalSlider})
+    for (QSlider *slider : {ui->horizontalSlider_2, ui->horizontalSlider_3, ui->horizontalSlider_4,
+                            ui->horizontalSlider_5, ui->horizontalSlider})
         slider->setValue(50);
 }
 
@@ -116,10 +107,7 @@ void CameraSetWidget::on_checkBox_2_stateChanged(int state)
         ui->horizontalSlider->setValue(MyCamera::currentFocus());
 }
 
-void CameraSetWidget::on_comboBox_currentIndexChanged(int index)
-{
-    send(Resolution, index);
-}
+void CameraSetWidget::on_comboBox_currentIndexChanged(int index) { send(Resolution, index); }
 
 void CameraSetWidget::on_checkBox_3_stateChanged(int state)
 {
@@ -132,7 +120,4 @@ void CameraSetWidget::on_checkBox_4_stateChanged(int state)
     emit blinkChange(clickFocus);
 }
 
-void CameraSetWidget::show(QLineEdit *field, int value)
-{
-    field->setText(QString::number(value));
-}
+void CameraSetWidget::show(QLineEdit *field, int value) { field->setText(QString::number(value)); }

@@ -6,7 +6,8 @@
 #include <cstdlib>
 
 FusionWidget::FusionWidget(QWidget *parent)
-    : QWidget(parent), ui(std::make_unique<Ui::FusionWidget>())
+    : QWidget(parent)
+    , ui(std::make_unique<Ui::FusionWidget>())
 {
     ui->setupUi(this);
 }
@@ -25,15 +26,9 @@ void FusionWidget::setStartEnabled(bool enabled)
     setProgress(0);
 }
 
-void FusionWidget::setProgress(int value)
-{
-    ui->lineEdit_4->setText(QString::number(value));
-}
+void FusionWidget::setProgress(int value) { ui->lineEdit_4->setText(QString::number(value)); }
 
-void FusionWidget::retranslate()
-{
-    ui->retranslateUi(this);
-}
+void FusionWidget::retranslate() { ui->retranslateUi(this); }
 
 void FusionWidget::on_horizontalSlider_valueChanged(int value)
 {
@@ -51,10 +46,7 @@ void FusionWidget::on_horizontalSlider_2_valueChanged(int value)
     updateCaptureNum();
 }
 
-void FusionWidget::on_spinBox_3_valueChanged(int /*arg1*/)
-{
-    updateCaptureNum();
-}
+void FusionWidget::on_spinBox_3_valueChanged(int /*arg1*/) { updateCaptureNum(); }
 
 void FusionWidget::on_pushButton_2_clicked()
 {

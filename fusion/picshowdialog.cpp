@@ -5,7 +5,9 @@
 #include <QFileDialog>
 
 PicShowDialog::PicShowDialog(QPixmap *pixmap_, QWidget *parent)
-    : QDialog(parent), ui(std::make_unique<Ui::PicShowDialog>()), pixmap(pixmap_)
+    : QDialog(parent)
+    , ui(std::make_unique<Ui::PicShowDialog>())
+    , pixmap(pixmap_)
 {
     ui->setupUi(this);
     ui->label->setPixmap(*pixmap);

@@ -12,10 +12,7 @@ cv::VideoCapture &sharedCapture = simulatedMicroscope();
 
 const int captureBackend = cv::CAP_ANY;
 
-double readFirmwareVersion()
-{
-    return sharedCapture.get(cv::CAP_PROP_TILT);
-}
+double readFirmwareVersion() { return sharedCapture.get(cv::CAP_PROP_TILT); }
 
 int enumerateVideoDevices(std::vector<std::string> &names, std::vector<std::string> &paths)
 {
