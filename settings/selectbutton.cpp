@@ -23,11 +23,7 @@ void SelectButton::addItem(const QIcon &icon, const QString &text, const QVarian
     choose(icon, data);
 }
 
-void SelectButton::menuShow()
-{
-    const QPoint corner = parentWidget() ? parentWidget()->mapToGlobal(pos()) : pos();
-    menu->exec(corner + QPoint(0, height()));
-}
+void SelectButton::menuShow() { menu->exec(mapToGlobal(QPoint(0, height()))); }
 
 void SelectButton::actionTrigged()
 {

@@ -1,5 +1,7 @@
 #include "settings/settingsfiles.h"
 
+#include "settings/inifile.h"
+
 #include <QSettings>
 
 namespace {
@@ -9,7 +11,7 @@ class SettingsGroup
 {
 public:
     SettingsGroup(const QString &path, const QString &group)
-        : settings(path, QSettings::IniFormat)
+        : settings(safeIniFile(path), QSettings::IniFormat)
     {
         settings.beginGroup(group);
     }
@@ -26,10 +28,6 @@ private:
 constexpr auto configFile = "./config.ini";
 constexpr auto calibrationFile = "./calibration.ini";
 constexpr auto crossFile = "./corss.ini";
-
-/// Rows that the size entry promises and the file lacks read as empty ones, up to this many: a
-/// damaged size must not fill the memory.
-constexpr int missingRowsLimit = 1000;
 
 CalibrationRecord readCalibration(const QSettings &row)
 {
@@ -71,16 +69,25 @@ void writeCross(QSettings &row, const CrossRecord &record)
     row.setValue("visible", record.visible);
 }
 
+/// The number of rows to read where the size entry tells `size`. A row that the file lacks reads as
+/// an empty one; but a size that promises more than a thousand of those is damaged, and must not
+/// fill the memory: then the rows that stand in the file count.
+int rowsToRead(const QSettings &array, int size)
+{
+    constexpr int missingRowsAllowed = 1000;
+    const int present = array.childGroups().size();
+    return size > present + missingRowsAllowed ? present : size;
+}
+
 template<class Record>
 QList<Record> readArray(const QString &path, const QString &array,
                         Record (*readRow)(const QSettings &))
 {
-    QSettings settings(path, QSettings::IniFormat);
+    QSettings settings(safeIniFile(path), QSettings::IniFormat);
     QList<Record> records;
     const int size = settings.beginReadArray(array);
-    const QStringList rows = settings.childGroups();
-    const qint64 limit = qint64(rows.size()) + missingRowsLimit;
-    for (int i = 0; i < size && i < limit; ++i) {
+    const int rows = rowsToRead(settings, size);
+    for (int i = 0; i < rows; ++i) {
         settings.setArrayIndex(i);
         records.append(readRow(settings));
     }
@@ -92,7 +99,7 @@ template<class Record>
 void writeArray(const QString &path, const QString &array, const QList<Record> &records,
                 void (*writeRow)(QSettings &, const Record &))
 {
-    QSettings settings(path, QSettings::IniFormat);
+    QSettings settings(safeIniFile(path), QSettings::IniFormat);
     settings.beginWriteArray(array, records.size());
     for (int i = 0; i < records.size(); ++i) {
         settings.setArrayIndex(i);
