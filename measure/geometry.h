@@ -10,6 +10,7 @@
 // not guarded unless a function says so: NaN and infinity pass through.
 
 /// Whether two values agree by the items' fuzzy rule: relative 1e-12, absolute beside a zero.
+/// Infinity and what is not a number agree with themselves.
 bool fuzzyEqual(double a, double b);
 bool fuzzyEqual(QPointF a, QPointF b);
 bool fuzzyEqual(const QLineF &a, const QLineF &b);
@@ -17,6 +18,11 @@ bool fuzzyEqual(const QLineF &a, const QLineF &b);
 /// Whether every coordinate is at most 1e-12 in absolute value: the mark of an absent part.
 bool isAbsent(QPointF point);
 bool isAbsent(const QLineF &line);
+
+bool isFinite(QPointF point);
+
+/// Whether a segment is present and all its coordinates are finite.
+bool isDrawable(const QLineF &line);
 
 /// Circle through three points.
 /// @param radius  receives the distance of p1 from the centre, or -1 when the determinant is below
@@ -52,6 +58,7 @@ ArcSweep arcSweep(QPointF centre, QPointF p0, QPointF p1, QPointF p2);
 
 /// Path of an arc. The box of its ellipse is one unit short of the diameter.
 /// @param from  where the pen is put down: the arc's start, or else a chord leads there
+/// @returns an empty path when the circle is not finite
 QPainterPath arcPath(QPointF centre, double radius, const ArcSweep &arc, QPointF from);
 
 /// Area by the shoelace rule, never negative; 0 below three vertices.
@@ -79,7 +86,7 @@ QPointF endNearIntersection(const QLineF &segment, QPointF intersection);
 /// End of a segment from which a dashed extension runs to a foot; compares x distances alone.
 QPointF endNearFoot(const QLineF &segment, QPointF foot);
 
-/// A handle's place kept within 0 to the scene's width and height.
+/// A handle's place kept within 0 to the scene's width and height; what is not a number becomes 0.
 QPointF clampHandle(QPointF pos, QSizeF scene);
 
 /// A crosshair line's place kept within 0 to the width and height less 1.

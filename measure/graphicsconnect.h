@@ -2,6 +2,7 @@
 
 #include <QGraphicsItem>
 #include <QPen>
+#include <QVector>
 
 class Base;
 class GraphicsPoint;
@@ -54,12 +55,33 @@ public:
 protected:
     QVariant itemChange(GraphicsItemChange change, const QVariant &value) override;
 
-    QList<GraphicsPoint *> points;
+    /// Where the handles stand by the geometry, in item coordinates; none while there is no
+    /// geometry.
+    virtual QVector<QPointF> handlePlaces() const = 0;
+    /// A handle's position in item coordinates.
+    QPointF handleInItem(int index) const;
+    /// Lets the geometry follow the handles, or lead them while the shape is selected.
+    void syncHandles();
+    void announceUpdate();
+
+    QList<GraphicsPoint *> points; // not owned
     GraphicsText *text;
     MainScene *scene_;
     Base *record_;
     QPen pen_;
+
+private:
+    void leadHandles();
+    QPointF keptInScene(QPointF wanted) const;
 };
+
+/// A shape's box with room for the pen and the handles; bounded where it runs far out of any sight.
+QRectF withMargin(const QRectF &box);
 
 /// The band along an outline that a click has to meet: 4 wide for thin pens, else the width and 3.
 QPainterPath strokeOf(const QPainterPath &path, const QPen &pen);
+
+/// Draws the dashed extension from an intersection to a segment's end with a dashed copy of the
+/// pen. Of one that comes from far away only the last stretch is drawn; one that is not finite is
+/// not drawn.
+void drawExtension(QPainter *painter, QPen pen, QPointF from, QPointF to);

@@ -35,6 +35,8 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    void reformat();
+
     QPointF lastPos;
     QPointF offset;
     int unit;

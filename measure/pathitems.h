@@ -3,6 +3,7 @@
 #include "measure/graphicsconnect.h"
 
 #include <QPainterPath>
+#include <QVector>
 
 /// An arc; the shared ground of all shapes whose outline is a path rebuilt from the handles.
 class GraphicsArc : public GraphicsConnect
@@ -20,24 +21,35 @@ public:
     bool paintExtra(QPainter *painter) override;
 
 protected:
-    QList<QPointF> localPoints; ///< the handles in item coordinates
+    QVector<QPointF> handlePlaces() const final;
+    /// Parks the label at a place in item coordinates.
+    void anchorLabel(QPointF place);
+    void setPath(const QPainterPath &outline);
+
+    QVector<QPointF> localPoints; ///< the handles in item coordinates
     QPainterPath path;
 };
 
-class GraphicsCir : public GraphicsArc
+/// The outlines whose label stands at their first handle.
+class GraphicsOutline : public GraphicsArc
 {
 public:
     using GraphicsArc::GraphicsArc;
-    QVariant updateText() override;
     bool paintExtra(QPainter *painter) override;
 };
 
-class GraphicsRing : public GraphicsArc
+class GraphicsCir : public GraphicsOutline
 {
 public:
-    using GraphicsArc::GraphicsArc;
+    using GraphicsOutline::GraphicsOutline;
     QVariant updateText() override;
-    bool paintExtra(QPainter *painter) override;
+};
+
+class GraphicsRing : public GraphicsOutline
+{
+public:
+    using GraphicsOutline::GraphicsOutline;
+    QVariant updateText() override;
 
     void setRingDistance1(double distance);
     void setRingDistance2(double distance);
@@ -45,32 +57,31 @@ public:
     double ringDistance2() const { return distance2; }
 
 private:
+    void refresh();
+
     double distance1 = 0.0; ///< in the real unit of the calibration
     double distance2 = 0.0;
 };
 
-class GraphicsPoly : public GraphicsArc
+class GraphicsPoly : public GraphicsOutline
 {
 public:
-    using GraphicsArc::GraphicsArc;
+    using GraphicsOutline::GraphicsOutline;
     QVariant updateText() override;
-    bool paintExtra(QPainter *painter) override;
 };
 
-class GraphicsLCir : public GraphicsArc
+class GraphicsLCir : public GraphicsOutline
 {
 public:
-    using GraphicsArc::GraphicsArc;
+    using GraphicsOutline::GraphicsOutline;
     QVariant updateText() override;
-    bool paintExtra(QPainter *painter) override;
 };
 
-class GraphicsTCir : public GraphicsArc
+class GraphicsTCir : public GraphicsOutline
 {
 public:
-    using GraphicsArc::GraphicsArc;
+    using GraphicsOutline::GraphicsOutline;
     QVariant updateText() override;
-    bool paintExtra(QPainter *painter) override;
 };
 
 class GraphicsLText : public GraphicsArc

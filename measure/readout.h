@@ -21,9 +21,13 @@ namespace Unit {
 enum Code { Text = 0, Pixel = 1, Degree = 2, Millimetre = 3, Micrometre = 4, Mil = 5 };
 }
 
+/// One line "name = %1%2" without a line end.
 ReadoutValue length(const QString &name, double value);
 ReadoutValue area(const QString &name, double value);
 ReadoutValue angle(const QString &name, double degrees);
+
+/// The value with a line end behind it.
+ReadoutValue endLine(ReadoutValue value);
 
 /// Puts a line end behind every value but the last.
 Readout lines(Readout values);

@@ -28,11 +28,18 @@ public:
     QLineF lineC() const { return lineC_; }
 
 protected:
+    QVector<QPointF> handlePlaces() const override;
+    /// Puts another segment in a segment's place. @returns false when it is the same one
+    bool replace(QLineF &line, const QLineF &with);
+
     QLineF lineA_;
     QLineF lineB_;
     QLineF lineC_;
     double distance1 = 0.0; ///< in the real unit of the calibration
     double distance2 = 0.0;
+
+private:
+    void refresh();
 };
 
 class GraphicsHLine : public GraphicsLine
@@ -54,6 +61,9 @@ public:
     QVariant updateText() override;
     bool paintExtra(QPainter *painter) override;
 
+protected:
+    QVector<QPointF> handlePlaces() const override;
+
 private:
     QPointF foot;
 };
@@ -64,6 +74,9 @@ public:
     using GraphicsLine::GraphicsLine;
     QVariant updateText() override;
     bool paintExtra(QPainter *painter) override;
+
+protected:
+    QVector<QPointF> handlePlaces() const override;
 };
 
 class GraphicsAng : public GraphicsLine
@@ -73,6 +86,9 @@ public:
     QVariant updateText() override;
     bool paintExtra(QPainter *painter) override;
     QPointF extraPoint() const override;
+
+protected:
+    QVector<QPointF> handlePlaces() const override;
 };
 
 class GraphicsLCali : public GraphicsLine
@@ -107,6 +123,9 @@ public:
 
     /// Not normalised: width and height run from the first handle to the second.
     QRectF rect() const { return rect_; }
+
+protected:
+    QVector<QPointF> handlePlaces() const override;
 
 private:
     QRectF rect_;
