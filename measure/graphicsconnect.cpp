@@ -41,6 +41,13 @@ void GraphicsConnect::prepareHook() {}
 
 QPointF GraphicsConnect::extraPoint() const { return {}; }
 
+bool GraphicsConnect::recompute()
+{
+    prepareGeometryChange();
+    update();
+    return updateText().toBool();
+}
+
 void GraphicsConnect::setPenWidth(int width)
 {
     pen_.setWidth(width);

@@ -35,12 +35,8 @@ public:
     virtual QPointF extraPoint() const;
 
     /// Computes anew what depends on the scale, the unit or a distance, and repaints.
-    void recompute()
-    {
-        prepareGeometryChange();
-        updateText();
-        update();
-    }
+    /// @returns whether the label or the geometry changed
+    bool recompute();
 
     QPen pen() const { return pen_; }
     void setPenWidth(int width);

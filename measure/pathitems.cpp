@@ -168,21 +168,14 @@ QVariant GraphicsRing::updateText()
 void GraphicsRing::setRingDistance1(double distance)
 {
     distance1 = distance;
-    refresh();
+    if (recompute())
+        announceUpdate();
 }
 
 void GraphicsRing::setRingDistance2(double distance)
 {
     distance2 = distance;
-    refresh();
-}
-
-void GraphicsRing::refresh()
-{
-    const bool rebuilt = updateText().toBool();
-    prepareGeometryChange();
-    update();
-    if (rebuilt)
+    if (recompute())
         announceUpdate();
 }
 

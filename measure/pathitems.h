@@ -57,8 +57,6 @@ public:
     double ringDistance2() const { return distance2; }
 
 private:
-    void refresh();
-
     double distance1 = 0.0; ///< in the real unit of the calibration
     double distance2 = 0.0;
 };

@@ -108,13 +108,15 @@ bool GraphicsLine::paintExtra(QPainter *) { return true; }
 void GraphicsLine::setLineDistance1(double distance)
 {
     distance1 = distance;
-    refresh();
+    if (recompute())
+        announceUpdate();
 }
 
 void GraphicsLine::setLineDistance2(double distance)
 {
     distance2 = distance;
-    refresh();
+    if (recompute())
+        announceUpdate();
 }
 
 QVector<QPointF> GraphicsLine::handlePlaces() const
@@ -122,15 +124,6 @@ QVector<QPointF> GraphicsLine::handlePlaces() const
     if (isAbsent(lineA_))
         return {};
     return {lineA_.p1(), lineA_.p2()};
-}
-
-void GraphicsLine::refresh()
-{
-    const bool changed = updateText().toBool();
-    prepareGeometryChange();
-    update();
-    if (changed)
-        announceUpdate();
 }
 
 bool GraphicsLine::replace(QLineF &line, const QLineF &with)

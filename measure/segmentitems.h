@@ -37,9 +37,6 @@ protected:
     QLineF lineC_;
     double distance1 = 0.0; ///< in the real unit of the calibration
     double distance2 = 0.0;
-
-private:
-    void refresh();
 };
 
 class GraphicsHLine : public GraphicsLine
