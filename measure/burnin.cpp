@@ -66,16 +66,6 @@ void drawCircle(QPainter &painter, const Circle &circle)
     painter.drawEllipse(circle.centre, circle.radius, circle.radius);
 }
 
-void drawDashed(QPainter &painter, QPointF from, QPointF to)
-{
-    const QPen solid = painter.pen();
-    QPen dashed = solid;
-    dashed.setStyle(Qt::DashLine);
-    painter.setPen(dashed);
-    painter.drawLine(from, to);
-    painter.setPen(solid);
-}
-
 void paintSegments(QPainter &painter, const PixelShape &shape)
 {
     const auto &item = shape.item<GraphicsLine>();
@@ -95,7 +85,8 @@ void paintVer(QPainter &painter, const PixelShape &shape)
     const QLineF perpendicular = shape.local(shape.item<GraphicsLine>().lineB());
     painter.drawLine(perpendicular);
     // Also when the foot lies on the base line: the dashes lie on it then.
-    drawDashed(painter, endNearFoot(base, perpendicular.p2()), perpendicular.p2());
+    drawExtension(&painter, painter.pen(), endNearFoot(base, perpendicular.p2()),
+                  perpendicular.p2());
 }
 
 void paintAng(QPainter &painter, const PixelShape &shape)
@@ -109,8 +100,8 @@ void paintAng(QPainter &painter, const PixelShape &shape)
     QPointF crossing;
     if (first.intersects(second, &crossing) != QLineF::UnboundedIntersection)
         return;
-    drawDashed(painter, crossing, endNearIntersection(first, crossing));
-    drawDashed(painter, crossing, endNearIntersection(second, crossing));
+    drawExtension(&painter, painter.pen(), crossing, endNearIntersection(first, crossing));
+    drawExtension(&painter, painter.pen(), crossing, endNearIntersection(second, crossing));
 }
 
 void paintRect(QPainter &painter, const PixelShape &shape)

@@ -11,6 +11,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+Q_DECLARE_METATYPE(Base *)
+
 namespace {
 
 // What SceneMouse asks of a scene is a picture page of 400 x 300 pixels.
