@@ -7,6 +7,30 @@
 #include <cmath>
 #include <utility>
 
+namespace {
+
+/// The distance in viewport pixels at which edges fall on device pixels: 1, 2 or 4, or 0 where the
+/// ratio is none of those that systems offer.
+int gridOf(qreal ratio)
+{
+    for (const int grid : {1, 2, 4}) {
+        if (std::floor(ratio * grid) == ratio * grid)
+            return grid;
+    }
+    return 0;
+}
+
+/// The rectangle with its edges moved outwards to the grid.
+QRect alignedTo(int grid, const QRect &rect)
+{
+    const auto down = [grid](int at) { return at / grid * grid; };
+    const QPoint first(down(rect.left()), down(rect.top()));
+    const QPoint end(down(rect.right() + grid), down(rect.bottom() + grid));
+    return {first, end - QPoint(1, 1)};
+}
+
+} // namespace
+
 void GraphicsView::wheelEvent(QWheelEvent *event) { event->ignore(); }
 
 void GraphicsView::mousePressEvent(QMouseEvent *event)
@@ -58,12 +82,14 @@ void OverlayView::refreshOverlay()
     stale &= viewport()->rect();
     if (stale.isEmpty())
         return;
-    // At a fractional ratio the edges of a part fall between device pixels.
-    if (std::floor(ratio) != ratio)
+    // A part whose edges fall between device pixels would leave seams.
+    const int grid = gridOf(ratio);
+    if (grid == 0)
         stale = viewport()->rect();
 
     QPainter painter(&overlay);
-    for (const QRect &rect : std::exchange(stale, QRegion())) {
+    for (const QRect &part : std::exchange(stale, QRegion())) {
+        const QRect rect = grid > 1 ? alignedTo(grid, part) : part;
         painter.setRenderHints(renderHints());
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.fillRect(rect, Qt::transparent);

@@ -30,7 +30,7 @@ ShowWidget::ShowWidget(QMenu *pageMenu, bool isLivePage, QWidget *parent)
     ui->setupUi(this);
     video = new VideoWidget(this);
     createView();
-    scene = std::make_shared<MainScene>();
+    scene = std::make_unique<MainScene>();
     connectScene();
     view->setScene(scene.get());
     ui->listWidget->setContextMenuPolicy(Qt::CustomContextMenu);

@@ -116,7 +116,6 @@ protected:
 private:
     void createView();
     void connectScene();
-    void markModified();
 
     // showwidget_layout.cpp
     double fitScale() const;
@@ -131,7 +130,7 @@ private:
 
     std::unique_ptr<Ui::ShowWidget> ui;
     GraphicsView *view = nullptr;
-    std::shared_ptr<MainScene> scene; // a running load keeps it alive past its page
+    std::unique_ptr<MainScene> scene;
     VideoWidget *video = nullptr;
     MyCamera *camera = nullptr;
     QMenu *menu;

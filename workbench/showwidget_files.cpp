@@ -50,8 +50,7 @@ void ShowWidget::loadAnnotations(const QByteArray &json)
 {
     // The load pumps the event queue, in which the page may be closed.
     const QPointer<ShowWidget> page(this);
-    const std::shared_ptr<MainScene> loading = scene;
-    loading->loadJson(json);
+    scene->loadJson(json);
     if (page)
         passOpeningStep();
 }
@@ -94,7 +93,7 @@ void ShowWidget::saveViewport(const QString &path)
     // Of the told size on a screen of any density.
     QImage shot(size, QImage::Format_ARGB32_Premultiplied);
     shot.fill(Qt::transparent);
-    view->render(&shot, QPoint(), QRect(QPoint(), size));
+    view->QWidget::render(&shot, QPoint(), QRect(QPoint(), size));
     writePicture(shot, path, viewportQuality, dotsPerMetre() * (live ? liveZoom : pictureScale),
                  "jpg");
 }
