@@ -40,5 +40,5 @@ QVariant GraphicsCross::itemChange(GraphicsItemChange change, const QVariant &va
     QPointF pos = value.toPointF();
     (direction_ == 2 ? pos.rx() : pos.ry()) = 0.0;
     const QRectF rect = scene_->sceneRect();
-    return rect.contains(pos) ? pos : clampCross(pos, rect.size());
+    return rect.contains(pos) && isFinite(pos) ? pos : clampCross(pos, rect.size());
 }
