@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fusion/fusionsweep.h"
+
 #include <opencv2/core.hpp>
 
 #include <QPixmap>
@@ -40,12 +42,12 @@ protected:
     void run() override;
 
 private:
-    void analyse();
+    FusionSweep::Outcome fuse();
 
     QPixmap framePix;
-    QPixmap resultPix;
-    qint32 frameCount = 0;
-    double lastSharpness = 0.0;
-    qint32 declineCount = 0;
+    QPixmap resultPix;     ///< the running result; its pixels also stand in `sweep`
+    qint32 frameCount = 0; ///< frames received since the last reset, skipped ones too
+    FusionSweep sweep;
     bool debugSave = false;
+    cv::Mat frame; ///< the newest frame's pixels, kept as a buffer
 };

@@ -1,0 +1,85 @@
+#include "fusion/reconstruction.h"
+
+#include <opencv2/core/hal/intrin.hpp>
+
+namespace {
+
+#if CV_SIMD128
+using Floats = std::array<cv::v_float32x4, 4>;
+
+Floats toFloats(const cv::v_uint8x16 &bytes)
+{
+    cv::v_uint16x8 low, high;
+    cv::v_expand(bytes, low, high);
+    std::array<cv::v_uint32x4, 4> words;
+    cv::v_expand(low, words[0], words[1]);
+    cv::v_expand(high, words[2], words[3]);
+    Floats result;
+    for (size_t i = 0; i < 4; ++i)
+        result[i] = cv::v_cvt_f32(cv::v_reinterpret_as_s32(words[i]));
+    return result;
+}
+
+cv::v_uint8x16 toBytes(const Floats &values)
+{
+    return cv::v_pack_u(cv::v_pack(cv::v_round(values[0]), cv::v_round(values[1])),
+                        cv::v_pack(cv::v_round(values[2]), cv::v_round(values[3])));
+}
+
+cv::v_uint8x16 weightedSum(const cv::v_uint8x16 &a, const cv::v_uint8x16 &b, const Floats &wa,
+                           const Floats &wb)
+{
+    Floats fa = toFloats(a);
+    const Floats fb = toFloats(b);
+    for (size_t i = 0; i < 4; ++i)
+        fa[i] = fa[i] * wa[i] + fb[i] * wb[i];
+    return toBytes(fa);
+}
+
+Floats loadFloats(const float *p)
+{
+    return {cv::v_load(p), cv::v_load(p + 4), cv::v_load(p + 8), cv::v_load(p + 12)};
+}
+#endif
+
+} // namespace
+
+void normaliseWeights(float *first, float *second, int count, int mode)
+{
+    if (mode != 1 && mode != 2)
+        return;
+    for (int x = 0; x < count; ++x) {
+        first[x] = first[x] > 1.0f ? 1.0f : first[x];
+        second[x] = second[x] > 1.0f ? 1.0f : second[x];
+    }
+    if (mode != 1)
+        return;
+    for (int x = 0; x < count; ++x) {
+        const float sum = first[x] + second[x];
+        first[x] /= sum;
+        second[x] /= sum;
+    }
+}
+
+void reconstruct(const std::array<const uchar *, 2> &frames,
+                 const std::array<const float *, 2> &weights, uchar *out, int count)
+{
+    int x = 0;
+#if CV_SIMD128
+    for (; x + 16 <= count; x += 16) {
+        const Floats wa = loadFloats(weights[0] + x);
+        const Floats wb = loadFloats(weights[1] + x);
+        cv::v_uint8x16 a[3], b[3];
+        cv::v_load_deinterleave(frames[0] + 3 * x, a[0], a[1], a[2]);
+        cv::v_load_deinterleave(frames[1] + 3 * x, b[0], b[1], b[2]);
+        for (int c = 0; c < 3; ++c)
+            a[c] = weightedSum(a[c], b[c], wa, wb);
+        cv::v_store_interleave(out + 3 * x, a[0], a[1], a[2]);
+    }
+#endif
+    for (; x < count; ++x) {
+        for (int c = 3 * x; c < 3 * x + 3; ++c)
+            out[c] = cv::saturate_cast<uchar>(frames[0][c] * weights[0][x] +
+                                              frames[1][c] * weights[1][x]);
+    }
+}

@@ -1,0 +1,97 @@
+#include "fusion/saliency.h"
+
+#include <opencv2/core/hal/intrin.hpp>
+#include <opencv2/imgproc.hpp>
+
+namespace {
+
+/// 150 / ln 256
+constexpr double logScale = 27.050532016668065;
+constexpr int maximumRadius = 5;
+constexpr int gaussSide = 11;
+constexpr double gaussSigma = 5.0;
+
+/// The rows and as many around them as the picture has, up to `margin` on each side.
+cv::Range widened(cv::Range rows, int margin, int height)
+{
+    return {std::max(rows.start - margin, 0), std::min(rows.end + margin, height)};
+}
+
+/// The natural logarithm of a stretch of a picture, the same to the last bit as one call in place
+/// for the whole picture. There the library computes what is left behind its last full group of
+/// vectors by another formula than the rest, whereas a call out of place treats all values alike.
+void logOfStretch(const cv::Mat &values, cv::Mat &result, bool reachesEnd, size_t pictureSize)
+{
+    constexpr size_t vectorGroup = 64; // a multiple of any processor's
+    cv::log(values, result);
+    const int tail = int(pictureSize % vectorGroup);
+    if (!reachesEnd || tail == 0)
+        return;
+    const auto lastOnes = [tail](const cv::Mat &mat) {
+        const int size = int(mat.total());
+        return mat.reshape(1, 1).colRange(size - tail, size);
+    };
+    cv::Mat last = lastOnes(values).clone();
+    cv::log(last, last);
+    last.copyTo(lastOnes(result));
+}
+
+void addMagnitudes(const float *a, const float *b, float *sum, int count)
+{
+    int i = 0;
+#if CV_SIMD128
+    for (; i + 4 <= count; i += 4)
+        cv::v_store(sum + i, cv::v_abs(cv::v_load(a + i)) + cv::v_abs(cv::v_load(b + i)));
+#endif
+    for (; i < count; ++i)
+        sum[i] = std::abs(a[i]) + std::abs(b[i]);
+}
+
+} // namespace
+
+cv::Mat logGray(const cv::Mat &frame, cv::Range rows)
+{
+    cv::Mat bgr, gray, result;
+    frame.rowRange(rows).convertTo(bgr, CV_32F);
+    cv::cvtColor(bgr, gray, cv::COLOR_BGR2GRAY); // after the conversion to float: no rounding
+    cv::add(gray, cv::Scalar(1.0), gray);
+    logOfStretch(gray, result, rows.end == frame.rows, frame.total());
+    result.convertTo(result, CV_32F, logScale);
+    return result;
+}
+
+void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient)
+{
+    const cv::Range around = widened(rows, 1, frame.rows);
+    const cv::Mat levels = logGray(frame, around);
+    cv::Mat gx, gy;
+    cv::Sobel(levels, gx, CV_32F, 1, 0);
+    cv::Sobel(levels, gy, CV_32F, 0, 1);
+    for (int y = rows.start; y < rows.end; ++y)
+        addMagnitudes(gx.ptr<float>(y - around.start), gy.ptr<float>(y - around.start),
+                      gradient.ptr<float>(y), frame.cols);
+}
+
+cv::Mat maxFilter(const cv::Mat &src, cv::Range rows, int radius)
+{
+    CV_Assert(src.rows >= 2 * radius);
+    cv::Mat dst = src.rowRange(rows).clone();
+    const cv::Range inner(std::max(rows.start, radius), std::min(rows.end, src.rows - radius));
+    const cv::Range columns(radius, src.cols - radius);
+    if (inner.start >= inner.end || columns.start >= columns.end)
+        return dst;
+    const cv::Mat square =
+        cv::getStructuringElement(cv::MORPH_RECT, cv::Size(2 * radius + 1, 2 * radius + 1));
+    cv::dilate(src(inner, columns),
+               dst(cv::Range(inner.start - rows.start, inner.end - rows.start), columns), square);
+    return dst;
+}
+
+cv::Mat saliency(const cv::Mat &gradient, cv::Range rows)
+{
+    const cv::Range around = widened(rows, gaussSide / 2, gradient.rows);
+    cv::Mat result;
+    cv::GaussianBlur(maxFilter(gradient, around, maximumRadius), result,
+                     cv::Size(gaussSide, gaussSide), gaussSigma);
+    return result.rowRange(rows.start - around.start, rows.end - around.start);
+}
