@@ -3,7 +3,6 @@
 #include "camera/enumeratevideodevices.h"
 
 #define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #include <windows.h>
 
 #include <objbase.h>
@@ -71,8 +70,8 @@ private:
     bool readable = false;
 };
 
-bool appendDevice(IMoniker *moniker, std::vector<std::string> &names,
-                  std::vector<std::string> &paths)
+bool appendMoniker(IMoniker *moniker, std::vector<std::string> &names,
+                   std::vector<std::string> &paths)
 {
     Reference<IPropertyBag> bag;
     if (FAILED(moniker->BindToStorage(nullptr, nullptr, propertyBagInterface, bag.receiveAny())))
@@ -103,7 +102,7 @@ int enumerateVideoDevices(std::vector<std::string> &names, std::vector<std::stri
         Reference<IMoniker> moniker;
         if (monikers->Next(1, moniker.receive(), nullptr) != S_OK)
             return count;
-        if (appendDevice(*moniker.receive(), names, paths))
+        if (appendMoniker(*moniker.receive(), names, paths))
             ++count;
     }
 }

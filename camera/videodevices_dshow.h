@@ -6,14 +6,14 @@
 
 // Parts of the DirectShow walk that need nothing of the platform.
 
-/// The low byte of each unit, up to the terminator or 255 of them. Other alphabets are not
+/// The low byte of each unit, up to the first that is 0 or 255 of them. Other alphabets are not
 /// converted: they come out as their low bytes.
 template<typename Unit>
 std::string lowBytes(const Unit *text)
 {
     constexpr std::size_t longest = 255;
     std::string bytes;
-    for (; bytes.size() < longest && *text; ++text)
+    for (; bytes.size() < longest && (*text & 0xff) != 0; ++text)
         bytes.push_back(static_cast<char>(*text & 0xff));
     return bytes;
 }
