@@ -1,0 +1,88 @@
+#pragma once
+
+#include <opencv2/videoio.hpp>
+
+#include <QStringList>
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+struct ScriptedDevice
+{
+    std::string name;
+    std::string path;
+};
+
+/// The capture object of a test: cameras that follow a script, and a record of what was asked of
+/// them. Every operation may be called from any thread.
+class ScriptedCapture : public cv::VideoCapture
+{
+public:
+    using Hook = std::function<void(const QString &call)>;
+
+    // ---- The script
+
+    /// Nothing attached, nothing recorded, no hook.
+    void reset();
+    /// The devices attached from now on, in the order of the list. One that is open and is not
+    /// among them gives empty frames from now on.
+    void attach(std::vector<ScriptedDevice> devices);
+    void failNextOpens(int count);
+    /// The next frames; gray ones of 64 x 48 follow. An empty Mat is an empty frame.
+    void giveFrames(std::vector<cv::Mat> frames);
+    /// Until this is over, a read waits for frames given, and gives up after `limitMs`.
+    void stall(bool on, int limitMs = 2000);
+    /// What `get` answers until it is set.
+    void setValue(int property, double value);
+    /// From now on every `set` is refused.
+    void refuseSets(bool on);
+    /// Called at each recorded call, on the calling thread and before it takes effect.
+    void onCall(Hook hook);
+
+    // ---- The record: "open 0 700", "set 28 200", "get 34", "release"
+
+    QStringList calls() const;
+    /// Those that begin with a word.
+    QStringList calls(const QString &start) const;
+    /// Empty when there is none.
+    QString lastCall() const;
+    void forgetCalls();
+    int framesRead() const;
+
+    // ---- What the program sees
+
+    std::vector<ScriptedDevice> devices() const;
+    bool open(int index, int backend) override;
+    bool isOpened() const override;
+    void release() override;
+    bool read(cv::OutputArray image) override;
+    bool set(int property, double value) override;
+    double get(int property) const override;
+
+private:
+    void record(const QString &call) const;
+    bool isAttached() const; // with the mutex held
+
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<ScriptedDevice> list;
+    std::string openPath;
+    bool opened = false;
+    int opensToFail = 0;
+    std::deque<cv::Mat> frames;
+    bool stalled = false;
+    int stallLimitMs = 2000;
+    bool refusing = false;
+    std::map<int, double> values;
+    int readCount = 0;
+    Hook hook;
+    mutable QStringList record_;
+};
+
+/// The one behind `sharedCapture`.
+ScriptedCapture &scriptedCapture();
