@@ -28,7 +28,7 @@ double readFirmwareVersion() { return sharedCapture.get(cv::CAP_PROP_TILT); }
 
 int enumerateVideoDevices(std::vector<std::string> &names, std::vector<std::string> &paths)
 {
-    const std::vector<ScriptedDevice> devices = scriptedCapture().devices();
+    const std::vector<ScriptedDevice> devices = scriptedCapture().listDevices();
     for (const ScriptedDevice &device : devices) {
         names.push_back(device.name);
         paths.push_back(device.path);
@@ -44,10 +44,11 @@ void ScriptedCapture::reset()
     opened = false;
     opensToFail = 0;
     frames.clear();
+    endless = cv::Mat(48, 64, CV_8UC3, cv::Scalar::all(128));
     stalled = false;
     refusing = false;
     values.clear();
-    readCount = 0;
+    listingCount = 0;
     hook = nullptr;
     record_.clear();
     changed.notify_all();
@@ -72,6 +73,12 @@ void ScriptedCapture::giveFrames(std::vector<cv::Mat> next)
     for (const cv::Mat &frame : next)
         frames.push_back(frame);
     changed.notify_all();
+}
+
+void ScriptedCapture::showEndlessly(const cv::Mat &frame)
+{
+    Lock lock(mutex);
+    endless = frame;
 }
 
 void ScriptedCapture::stall(bool on, int limitMs)
@@ -127,15 +134,16 @@ void ScriptedCapture::forgetCalls()
     record_.clear();
 }
 
-int ScriptedCapture::framesRead() const
+int ScriptedCapture::listings() const
 {
     Lock lock(mutex);
-    return readCount;
+    return listingCount;
 }
 
-std::vector<ScriptedDevice> ScriptedCapture::devices() const
+std::vector<ScriptedDevice> ScriptedCapture::listDevices()
 {
     Lock lock(mutex);
+    ++listingCount;
     return list;
 }
 
@@ -196,12 +204,11 @@ bool ScriptedCapture::read(cv::OutputArray image)
         // The pace of the endless stream.
         if (frames.empty())
             changed.wait_for(lock, std::chrono::milliseconds(1));
-        ++readCount;
         if (!frames.empty()) {
             frame = frames.front();
             frames.pop_front();
         } else if (opened && !stalled && isAttached()) {
-            frame = cv::Mat(48, 64, CV_8UC3, cv::Scalar::all(128));
+            frame = endless;
         }
     }
     if (frame.empty())

@@ -33,8 +33,10 @@ public:
     /// among them gives empty frames from now on.
     void attach(std::vector<ScriptedDevice> devices);
     void failNextOpens(int count);
-    /// The next frames; gray ones of 64 x 48 follow. An empty Mat is an empty frame.
+    /// The next frames, before the endless ones. An empty Mat is an empty frame.
     void giveFrames(std::vector<cv::Mat> frames);
+    /// What the endless frames show; gray, three channels, 64 x 48 unless told.
+    void showEndlessly(const cv::Mat &frame);
     /// Until this is over, a read waits for frames given, and gives up after `limitMs`.
     void stall(bool on, int limitMs = 2000);
     /// What `get` answers until it is set.
@@ -52,11 +54,12 @@ public:
     /// Empty when there is none.
     QString lastCall() const;
     void forgetCalls();
-    int framesRead() const;
+    /// How often the device list was asked for.
+    int listings() const;
 
     // ---- What the program sees
 
-    std::vector<ScriptedDevice> devices() const;
+    std::vector<ScriptedDevice> listDevices();
     bool open(int index, int backend) override;
     bool isOpened() const override;
     void release() override;
@@ -75,11 +78,12 @@ private:
     bool opened = false;
     int opensToFail = 0;
     std::deque<cv::Mat> frames;
+    cv::Mat endless;
     bool stalled = false;
     int stallLimitMs = 2000;
     bool refusing = false;
     std::map<int, double> values;
-    int readCount = 0;
+    int listingCount = 0;
     Hook hook;
     mutable QStringList record_;
 };
