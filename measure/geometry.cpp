@@ -1,5 +1,7 @@
 #include "measure/geometry.h"
 
+#include <QTransform>
+
 #include <algorithm>
 #include <cmath>
 
@@ -131,6 +133,17 @@ QPainterPath arcPath(QPointF centre, double radius, const ArcSweep &arc, QPointF
     path.moveTo(from);
     path.arcTo(centre.x() - radius, centre.y() - radius, side, side, arc.startAngle, arc.sweep);
     return path;
+}
+
+double pathLength(const QPainterPath &path)
+{
+    constexpr double largest = 1e8;
+    const QRectF box = path.controlPointRect();
+    const double size = std::max(box.width(), box.height());
+    if (!(size > largest))
+        return path.length();
+    return QTransform::fromScale(largest / size, largest / size).map(path).length() *
+           (size / largest);
 }
 
 double polygonArea(const QVector<QPointF> &vertices)

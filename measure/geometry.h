@@ -61,6 +61,10 @@ ArcSweep arcSweep(QPointF centre, QPointF p0, QPointF p1, QPointF p2);
 /// @returns an empty path when the circle is not finite
 QPainterPath arcPath(QPointF centre, double radius, const ArcSweep &arc, QPointF from);
 
+/// Length of a path as the toolkit tells it. That of an enormous one, on which the toolkit would
+/// work for seconds, is taken on a smaller copy.
+double pathLength(const QPainterPath &path);
+
 /// Area by the shoelace rule, never negative; 0 below three vertices.
 double polygonArea(const QVector<QPointF> &vertices);
 

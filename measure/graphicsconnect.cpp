@@ -17,7 +17,9 @@ namespace {
 
 constexpr double margin = 10.0;
 // Scene units beyond which nothing can be seen, however small the zoom.
-constexpr double reach = 1e6;
+constexpr double sight = 1e6;
+// The toolkit draws lines of more than some ten thousand dashes solid.
+constexpr double longestDashes = 5e4;
 constexpr double thinHitBand = 4.0;
 constexpr double hitBandExtra = 3.0;
 
@@ -150,8 +152,8 @@ QPainterPath strokeOf(const QPainterPath &path, const QPen &pen)
 
 QRectF withMargin(const QRectF &box)
 {
-    const QRectF sight(-reach, -reach, 2 * reach, 2 * reach);
-    return box.adjusted(-margin, -margin, margin, margin) & sight;
+    return box.adjusted(-margin, -margin, margin, margin) &
+           QRectF(-sight, -sight, 2 * sight, 2 * sight);
 }
 
 void drawExtension(QPainter *painter, QPen pen, QPointF from, QPointF to)
@@ -161,12 +163,12 @@ void drawExtension(QPainter *painter, QPen pen, QPointF from, QPointF to)
     if (!std::isfinite(length))
         return;
     pen.setStyle(Qt::DashLine);
-    if (length > reach) {
+    if (length > longestDashes) {
         // The dashes fall where those of the whole line would.
         const QVector<qreal> dashes = pen.dashPattern();
         const double period = std::accumulate(dashes.begin(), dashes.end(), 0.0);
-        pen.setDashOffset(std::fmod((length - reach) / qMax(1.0, pen.widthF()), period));
-        from = line.pointAt(reach / length);
+        pen.setDashOffset(std::fmod((length - longestDashes) / qMax(1.0, pen.widthF()), period));
+        from = line.pointAt(longestDashes / length);
     }
     painter->setPen(pen);
     painter->drawLine(from, to);

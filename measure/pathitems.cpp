@@ -97,7 +97,7 @@ QVariant GraphicsArc::updateText()
     const ArcSweep arc = arcSweep(circle.centre, localPoints[0], localPoints[1], localPoints[2]);
     setPath(arcPath(circle.centre, circle.radius, arc, arc.start));
     text->setValues(lines(
-        {angle("CLen", arc.sweep), length("Len", path.length()), length("R", circle.radius)}));
+        {angle("CLen", arc.sweep), length("Len", pathLength(path)), length("R", circle.radius)}));
     return true;
 }
 
@@ -132,7 +132,7 @@ QVariant GraphicsCir::updateText()
     appendCircle(outline, circle);
     setPath(outline);
     // The circumference is the path's own length here; the other circles take 2 pi r.
-    text->setValues(lines({length("R", circle.radius), length("CLen", path.length()),
+    text->setValues(lines({length("R", circle.radius), length("CLen", pathLength(path)),
                            area("Area", pi * circle.radius * circle.radius)}));
     return true;
 }
@@ -188,7 +188,8 @@ QVariant GraphicsPoly::updateText()
         outline.lineTo(localPoints[i]);
     outline.lineTo(localPoints[0]);
     setPath(outline);
-    text->setValues(lines({length("CLen", path.length()), area("Area", polygonArea(localPoints))}));
+    text->setValues(
+        lines({length("CLen", pathLength(path)), area("Area", polygonArea(localPoints))}));
     return true;
 }
 
