@@ -153,17 +153,17 @@ void Base::makePoint(QGraphicsScene *graphicsScene, QPointF pos)
     auto *point = new GraphicsPoint(pos, graphicsScene, axisLock, nullptr);
     graphicsScene->addItem(point);
     points_.append(point);
-    applyWidth(point, pointWidth);
-    applyColour(point, pointColor);
+    applyWidth(point, pointWidth_);
+    applyColour(point, pointColor_);
     point->setZValue(handleZ);
 }
 
 void Base::applyProperties()
 {
-    setLineWidth(lineWidth);
-    setLineColor(lineColor);
-    setTextSize(textSize);
-    setTextColor(textColor);
+    setLineWidth(lineWidth_);
+    setLineColor(lineColor_);
+    setTextSize(textSize_);
+    setTextColor(textColor_);
     if (text_)
         text_->setAnchor(parkedLabel);
 }
@@ -182,42 +182,42 @@ void Base::setImageScale(double scale)
 
 void Base::setPointWidth(const QVariant &value)
 {
-    pointWidth = value;
+    pointWidth_ = value;
     for (GraphicsPoint *point : qAsConst(points_))
         applyWidth(point, value);
 }
 
 void Base::setPointColor(const QVariant &value)
 {
-    pointColor = value;
+    pointColor_ = value;
     for (GraphicsPoint *point : qAsConst(points_))
         applyColour(point, value);
 }
 
 void Base::setLineWidth(const QVariant &value)
 {
-    lineWidth = value;
+    lineWidth_ = value;
     if (item_)
         item_->setPenWidth(penWidth(value));
 }
 
 void Base::setLineColor(const QVariant &value)
 {
-    lineColor = value;
+    lineColor_ = value;
     if (item_)
         item_->setPenColor(colour(value));
 }
 
 void Base::setTextSize(const QVariant &value)
 {
-    textSize = value;
+    textSize_ = value;
     if (text_)
         applySize(text_, value);
 }
 
 void Base::setTextColor(const QVariant &value)
 {
-    textColor = value;
+    textColor_ = value;
     if (text_)
         text_->setDefaultTextColor(colour(value));
 }

@@ -64,6 +64,14 @@ public:
     GraphicsConnect *item() const { return item_; }
     int unit() const { return unit_; }
 
+    /// The drawing properties as they were last set, not clamped.
+    QVariant pointWidth() const { return pointWidth_; }
+    QVariant pointColor() const { return pointColor_; }
+    QVariant lineWidth() const { return lineWidth_; }
+    QVariant lineColor() const { return lineColor_; }
+    QVariant textSize() const { return textSize_; }
+    QVariant textColor() const { return textColor_; }
+
 private:
     MainScene *scene;
     QList<GraphicsPoint *> points_;   // owned, in order of the clicks
@@ -71,10 +79,10 @@ private:
     GraphicsConnect *item_ = nullptr; // owned, null until the first point
     int unit_;
     int axisLock;
-    QVariant pointWidth;
-    QVariant pointColor;
-    QVariant lineWidth;
-    QVariant lineColor;
-    QVariant textSize;
-    QVariant textColor;
+    QVariant pointWidth_;
+    QVariant pointColor_;
+    QVariant lineWidth_;
+    QVariant lineColor_;
+    QVariant textSize_;
+    QVariant textColor_;
 };

@@ -7,9 +7,9 @@
 #include "measure/mainscene.h"
 #include "measure/readout.h"
 #include "measure/shapetable.h"
+#include "tests/support/scenemouse.h"
 
 #include <QImage>
-#include <QPainter>
 #include <QVector>
 
 #include <memory>
@@ -19,7 +19,11 @@
 class ShapeScene
 {
 public:
-    ShapeScene() { scene.setSceneRect(0, 0, 1000, 800); }
+    ShapeScene()
+    {
+        scene.setSceneRect(0, 0, 1000, 800);
+        QObject::connect(&scene, &MainScene::itemUpdate, &scene, [this] { ++updates; });
+    }
     Q_DISABLE_COPY(ShapeScene)
 
     /// A finished shape: every click but the first moves the last handle before it adds one.
@@ -44,18 +48,12 @@ public:
     }
 
     /// One paint of the whole scene onto white.
-    QImage paint()
-    {
-        QImage image(1000, 800, QImage::Format_RGB32);
-        image.fill(Qt::white);
-        QPainter painter(&image);
-        scene.render(&painter, QRectF(0, 0, 1000, 800), QRectF(0, 0, 1000, 800));
-        return image;
-    }
+    QImage paint() { return painted(scene); }
 
     void removeAll() { records.clear(); }
 
     MainScene scene;
+    int updates = 0; // announcements by itemUpdate
 
 private:
     std::vector<std::unique_ptr<Base>> records;
