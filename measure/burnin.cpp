@@ -9,6 +9,8 @@
 
 #include <QPainter>
 
+#include <cmath>
+
 namespace {
 
 /// A shape seen in picture pixels.
@@ -63,7 +65,8 @@ Circle circleOf(const PixelShape &shape, int first)
 
 void drawCircle(QPainter &painter, const Circle &circle)
 {
-    painter.drawEllipse(circle.centre, circle.radius, circle.radius);
+    if (isFinite(circle.centre) && std::isfinite(circle.radius))
+        painter.drawEllipse(circle.centre, circle.radius, circle.radius);
 }
 
 void paintSegments(QPainter &painter, const PixelShape &shape)
