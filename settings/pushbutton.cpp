@@ -25,6 +25,14 @@ void PushButton::setText(const QString &text)
 {
     label->setText(text);
     setAccessibleName(text);
+    updateGeometry();
+}
+
+QSize PushButton::sizeHint() const
+{
+    constexpr int margins = 8;
+    const int captionWidth = label->fontMetrics().horizontalAdvance(text()) + margins;
+    return QPushButton::sizeHint().expandedTo({captionWidth, 0});
 }
 
 void PushButton::resizeEvent(QResizeEvent *event)

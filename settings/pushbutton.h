@@ -16,6 +16,9 @@ public:
     QString text() const;
     void setText(const QString &text);
 
+    /// Wide enough for the caption in one line.
+    QSize sizeHint() const override;
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;

@@ -56,6 +56,7 @@ private slots:
     void theCaptionStandsInTheLowerThird();
     void theCaptionOfTheFirstConstructorIsEmpty();
     void theCaptionIsSetLaterToo();
+    void theButtonIsWideEnoughForItsCaption();
     void theIconStandsAboveTheCaption();
     void aPressOnTheCaptionClicks();
 };
@@ -167,6 +168,16 @@ void TestButtons::theCaptionIsSetLaterToo()
     QCOMPARE(button.findChild<QLabel *>()->text(), QString("Split+ Fusion"));
     QCOMPARE(button.text(), QString("Split+ Fusion"));
     QCOMPARE(button.accessibleName(), QString("Split+ Fusion"));
+}
+
+void TestButtons::theButtonIsWideEnoughForItsCaption()
+{
+    PushButton button;
+    const int narrow = button.sizeHint().width();
+    button.setText(QString(50, 'w'));
+    QVERIFY(button.sizeHint().width() > narrow);
+    QVERIFY(button.minimumSizeHint().width() >
+            button.fontMetrics().horizontalAdvance(QString(50, 'w')));
 }
 
 void TestButtons::theIconStandsAboveTheCaption()

@@ -16,7 +16,7 @@ LAYERS = {
     "settings": (
         [],
         ["settings/drawproperty", "settings/settingsrecords", "settings/settingsfiles",
-         "settings/pushbutton", "settings/selectbutton"],
+         "settings/inifile", "settings/pushbutton", "settings/selectbutton"],
     ),
     "pictures": ([], ["fusion/pictureconversion"]),
     "measure": (["settings"], ["measure/*"]),
