@@ -46,8 +46,10 @@ QString safeIniFile(const QString &path)
     QFile file(path);
     if (!info.isFile() || info.size() > maximumBytes || !file.open(QIODevice::ReadOnly))
         return {};
-    QString text = QString::fromLatin1(file.readAll());
+    const QByteArray bytes = file.readAll();
     file.close();
+    // With its length: rubbish holds zeros, at which the other form of the call would stop.
+    QString text = QString::fromLatin1(bytes.constData(), bytes.size());
 
     static const QRegularExpression foreign = foreignBracket();
     if (!text.contains(foreign))

@@ -413,6 +413,7 @@ void TestSettingsFiles::aHostileValueIsReadAsText_data()
     QTest::newRow("colour's number one byte late")
         << QByteArray("@Variant(\\0\\0\\x9\\0\\0\\0\\x43)");
     QTest::newRow("colour's number read on") << QByteArray("@Variant(\\0\\0\\0\\x43f)");
+    QTest::newRow("a zero before it") << QByteArray("\0, ", 3) + list;
     QTest::newRow("two brackets") << "@Variant((" + rest;
     QTest::newRow("many signs") << QByteArray(200000, '@') + "Variant(" + rest;
 }
