@@ -36,6 +36,9 @@ public:
     /// Opens a picture page with a live frame when a snapshot was asked for.
     void openCapturedPage(const QPixmap &frame);
 
+    /// For whoever drives the window from outside. It outlives the window.
+    MyCamera *cameraThread() const { return camera; }
+
 signals:
     /// Before every change of tool: a measurement never runs under autofocus.
     void setFocusManual();
@@ -114,7 +117,7 @@ public slots:
     void on_actionenglish_triggered();
 
     // tavorin_sweep.cpp
-    void startFusion(FusionData data);
+    void startFusion(FusionData range);
     void fusionWork();
     void AnalyseOver();
 
@@ -130,10 +133,12 @@ private:
     void connectCamera();
     void connectPanels();
     void connectPage(ShowWidget *page);
+    void connectLivePage(ShowWidget *page);
     void setControlsEnabled(bool cameraReady, bool canDraw, bool pageModified, bool pageHasItems,
                             bool cameraPanels);
     void showPanel(int index);
     void storeCross();
+    void loadTranslation();
     void retranslate();
 
     /// All pages from the left.
@@ -141,8 +146,9 @@ private:
     /// Null while there is no page.
     ShowWidget *currentPage() const;
     ShowWidget *addPicturePage(const QString &title);
+    QString rememberDirectory(const QString &path);
     void chooseTool(int tool);
-    bool sweepInRange() const;
+    bool isWithinSweep(int position) const;
 
     Ui::TavorinClass ui;
     MyCamera *camera; // never deleted: its discovery thread runs to the end of the process
