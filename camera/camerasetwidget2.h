@@ -37,6 +37,7 @@ public:
     void setFocusValue(int value) { changeFocus(value); }
     /// Texts of the form in the language in force.
     void retranslate();
+    QSize sizeHint() const override { return {400, 1412}; }
 
 signals:
     /// @param type  a CameraParameter::Type

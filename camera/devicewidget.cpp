@@ -15,6 +15,7 @@ DeviceWidget::DeviceWidget(QWidget *parent)
     , ui(std::make_unique<Ui::DeviceWidget>())
 {
     ui->setupUi(this);
+    setAttribute(Qt::WA_StyledBackground);
     ui->pushButton->hide();
 }
 

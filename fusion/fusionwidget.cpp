@@ -10,6 +10,7 @@ FusionWidget::FusionWidget(QWidget *parent)
     , ui(std::make_unique<Ui::FusionWidget>())
 {
     ui->setupUi(this);
+    setAttribute(Qt::WA_StyledBackground);
 }
 
 FusionWidget::~FusionWidget() = default;

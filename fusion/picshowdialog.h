@@ -17,7 +17,7 @@ class PicShowDialog : public QDialog
 
 public:
     /// @param pixmap  not owned; outlives the dialog
-    PicShowDialog(QPixmap *pixmap, QWidget *parent = nullptr);
+    explicit PicShowDialog(QPixmap *pixmap, QWidget *parent = nullptr);
     ~PicShowDialog() override;
 
 private slots:
