@@ -69,31 +69,31 @@ void CameraSetWidget::on_defaultBtn_clicked()
 
 void CameraSetWidget::on_horizontalSlider_4_valueChanged(int value)
 {
-    show(ui->lineEdit, value);
+    showNumber(ui->lineEdit, value);
     send(Brightness, value);
 }
 
 void CameraSetWidget::on_horizontalSlider_3_valueChanged(int value)
 {
-    show(ui->lineEdit_13, value);
+    showNumber(ui->lineEdit_13, value);
     send(Contrast, value);
 }
 
 void CameraSetWidget::on_horizontalSlider_5_valueChanged(int value)
 {
-    show(ui->lineEdit_14, value);
+    showNumber(ui->lineEdit_14, value);
     send(Chroma, value);
 }
 
 void CameraSetWidget::on_horizontalSlider_2_valueChanged(int value)
 {
-    show(ui->lineEdit_15, value);
+    showNumber(ui->lineEdit_15, value);
     send(Saturation, value);
 }
 
 void CameraSetWidget::on_horizontalSlider_valueChanged(int value)
 {
-    show(ui->lineEdit_2, value);
+    showNumber(ui->lineEdit_2, value);
     ui->checkBox_2->setChecked(false);
     send(Focus, value);
 }
@@ -120,4 +120,7 @@ void CameraSetWidget::on_checkBox_4_stateChanged(int state)
     emit blinkChange(clickFocus);
 }
 
-void CameraSetWidget::show(QLineEdit *field, int value) { field->setText(QString::number(value)); }
+void CameraSetWidget::showNumber(QLineEdit *field, int value)
+{
+    field->setText(QString::number(value));
+}

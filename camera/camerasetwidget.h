@@ -58,7 +58,7 @@ private slots:
     void on_checkBox_4_stateChanged(int state);
 
 private:
-    static void show(QLineEdit *field, int value);
+    static void showNumber(QLineEdit *field, int value);
     void send(int type, int num) { emit cameraInfoChange(type, num); }
 
     std::unique_ptr<Ui::CameraSetWidget> ui;

@@ -116,7 +116,7 @@ void CameraSetWidget2::on_pushButton_6_clicked() { toggleGroup(ui->pushButton_6,
 
 void CameraSetWidget2::on_horizontalSlider_valueChanged(int value)
 {
-    show(ui->label_2, value);
+    showNumber(ui->label_2, value);
     ui->checkBox_3->setChecked(true);
     send(Focus, value);
 }
@@ -146,9 +146,15 @@ void CameraSetWidget2::on_comboBox_currentIndexChanged(int /*index*/)
     emitBlinkChange();
 }
 
-void CameraSetWidget2::on_horizontalSlider_2_valueChanged(int value) { show(ui->label_5, value); }
+void CameraSetWidget2::on_horizontalSlider_2_valueChanged(int value)
+{
+    showNumber(ui->label_5, value);
+}
 
-void CameraSetWidget2::on_horizontalSlider_3_valueChanged(int value) { show(ui->label_7, value); }
+void CameraSetWidget2::on_horizontalSlider_3_valueChanged(int value)
+{
+    showNumber(ui->label_7, value);
+}
 
 void CameraSetWidget2::on_checkBox_4_stateChanged(int /*state*/) { emitBlinkChange(); }
 
@@ -169,19 +175,19 @@ void CameraSetWidget2::on_pushButton_9_clicked()
 
 void CameraSetWidget2::on_horizontalSlider_4_valueChanged(int value)
 {
-    show(ui->label_9, value);
+    showNumber(ui->label_9, value);
     send(Brightness, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_5_valueChanged(int value)
 {
-    show(ui->label_11, value);
+    showNumber(ui->label_11, value);
     send(Gain, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_14_valueChanged(int value)
 {
-    show(ui->label_30, value);
+    showNumber(ui->label_30, value);
     send(Shutter, value + shutterOrigin);
 }
 
@@ -223,19 +229,19 @@ void CameraSetWidget2::on_pushButton_10_clicked()
 
 void CameraSetWidget2::on_horizontalSlider_6_valueChanged(int value)
 {
-    show(ui->label_13, value);
+    showNumber(ui->label_13, value);
     send(Red, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_7_valueChanged(int value)
 {
-    show(ui->label_15, value);
+    showNumber(ui->label_15, value);
     send(Green, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_8_valueChanged(int value)
 {
-    show(ui->label_17, value);
+    showNumber(ui->label_17, value);
     send(Blue, value * blueFactor);
 }
 
@@ -276,32 +282,32 @@ void CameraSetWidget2::on_checkBox_10_stateChanged(int /*state*/) { sendFunction
 
 void CameraSetWidget2::on_horizontalSlider_12_valueChanged(int value)
 {
-    show(ui->label_25, value);
+    showNumber(ui->label_25, value);
     send(Chroma, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_13_valueChanged(int value)
 {
-    show(ui->label_28, value);
+    showNumber(ui->label_28, value);
     ui->checkBox_12->setChecked(value == 0);
     send(Saturation, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_9_valueChanged(int value)
 {
-    show(ui->label_19, value);
+    showNumber(ui->label_19, value);
     send(Contrast, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_10_valueChanged(int value)
 {
-    show(ui->label_21, value);
+    showNumber(ui->label_21, value);
     send(Sharpness, value);
 }
 
 void CameraSetWidget2::on_horizontalSlider_15_valueChanged(int value)
 {
-    show(ui->label_33, value);
+    showNumber(ui->label_33, value);
     send(Zoom, value);
 }
 
@@ -361,7 +367,10 @@ void CameraSetWidget2::toggleGroup(QPushButton *header, QWidget *group)
                                : QStringLiteral(":/pic/arrow-right-normal.png")));
 }
 
-void CameraSetWidget2::show(QLabel *label, int value) { label->setText(QString::number(value)); }
+void CameraSetWidget2::showNumber(QLabel *label, int value)
+{
+    label->setText(QString::number(value));
+}
 
 void CameraSetWidget2::sendFunctionWord() { send(FunctionSwitches, functionWord()); }
 

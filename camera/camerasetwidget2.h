@@ -112,7 +112,7 @@ private slots:
 
 private:
     static void toggleGroup(QPushButton *header, QWidget *group);
-    static void show(QLabel *label, int value);
+    static void showNumber(QLabel *label, int value);
     void send(int type, int num) { emit cameraInfoChange(type, num); }
     void sendFunctionWord();
     int functionWord() const;
