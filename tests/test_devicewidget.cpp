@@ -1,5 +1,6 @@
 #include "camera/deviceinfowidget.h"
 #include "camera/devicewidget.h"
+#include "tests/support/panel.h"
 
 #include <QLabel>
 #include <QLayout>
@@ -34,6 +35,12 @@ private slots:
     void aDeviceWithoutAPathIsNeverTakenForTheSelectedOne();
     void aVeryLongNameDoesNotWidenThePanel();
     void theFlushButtonIsHidden();
+    void everySlotFindsItsSignal();
+    void aRowHasItsFormAndHidesThePath();
+    void aNameTooLongForItsRowStaysWhole();
+    void anOfflineRowBuiltInEnglishSaysSo();
+    void dismissingAnOfflineRowKeepsTheOthers();
+    void anEmptyListAtAFaultyPassBringsTheCameraBackAtTheNext();
 
 private:
     QList<DeviceInfoWidget *> rows() const;
@@ -270,6 +277,89 @@ void TestDeviceWidget::theFlushButtonIsHidden()
     auto *flush = panel->findChild<QPushButton *>("pushButton");
     QCOMPARE(flush->text(), QString("flush"));
     QVERIFY(flush->isHidden());
+}
+
+void TestDeviceWidget::everySlotFindsItsSignal()
+{
+    const Complaints complaints;
+    const DeviceWidget built;
+    const DeviceInfoWidget row;
+    QCOMPARE(complaints.heard(), QStringList());
+}
+
+void TestDeviceWidget::aRowHasItsFormAndHidesThePath()
+{
+    const DeviceInfoWidget row;
+    QCOMPARE(row.objectName(), QString("DeviceInfoWidget"));
+    QCOMPARE(row.size(), QSize(271, 60));
+    const auto &number = control<QLabel>(row, "label");
+    QCOMPARE(number.text(), QString("1"));
+    QCOMPARE(number.minimumWidth(), 20);
+    QCOMPARE(number.alignment(), Qt::AlignCenter);
+    const auto &name = control<QLabel>(row, "label_2");
+    QCOMPARE(name.text(), QString("uvc"));
+    QCOMPARE(name.alignment(), Qt::AlignCenter);
+    const auto &path = control<QLabel>(row, "label_3");
+    QCOMPARE(path.text(), QString("sid"));
+    QCOMPARE(path.font().pointSize(), 6);
+    QCOMPARE(path.alignment(), Qt::AlignCenter);
+    QVERIFY(path.wordWrap());
+    QVERIFY(path.isHidden());
+    QCOMPARE(textOf(row, "radioButton"), QString());
+}
+
+void TestDeviceWidget::aNameTooLongForItsRowStaysWhole()
+{
+    const QString name = "Orvane_" + QString(40, 'W');
+    panel->resize(210, 200);
+    panel->deviceChange({name}, {"a"});
+    QCOMPARE(rows().at(0)->name(), name);
+    auto &label = control<QLabel>(*rows().at(0), "label_2");
+    QCOMPARE(label.toolTip(), name);
+    // What is shown begins as a name that fits does: the end is cut, not both ends.
+    label.setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    label.resize(100, 20);
+    const QImage shown = label.grab().toImage().copy(0, 0, 50, 20);
+    label.setText("Orvane_WW");
+    QCOMPARE(label.grab().toImage().copy(0, 0, 50, 20), shown);
+}
+
+void TestDeviceWidget::anOfflineRowBuiltInEnglishSaysSo()
+{
+    const English english;
+    panel->deviceChange({"Orvane_A"}, {"a"});
+    button(0)->click();
+    panel->deviceChange({}, {});
+    QCOMPARE(numberText(0), QString("OffLine"));
+}
+
+void TestDeviceWidget::dismissingAnOfflineRowKeepsTheOthers()
+{
+    panel->deviceChange({"Orvane_A", "Orvane_B"}, {"a", "b"});
+    button(1)->click();
+    panel->deviceChange({"Orvane_A"}, {"a"});
+    work->clear();
+    button(1)->click();
+    QCOMPARE(close->size(), 1);
+    QCOMPARE(rows().size(), 1);
+    button(0)->click();
+    QCOMPARE(work->takeFirst(), (QVariantList{0, "Orvane_A", "a"}));
+    QVERIFY(button(0)->isChecked());
+}
+
+void TestDeviceWidget::anEmptyListAtAFaultyPassBringsTheCameraBackAtTheNext()
+{
+    panel->deviceChange({"Webcam", "Orvane_A", "Orvane_B"}, {"w", "a", "b"});
+    button(1)->click(); // position 1, index 2: unchecks itself
+    QVERIFY(!button(1)->isChecked());
+    button(0)->setChecked(true);
+    work->clear();
+    panel->deviceChange({}, {});
+    panel->deviceChange({"Webcam", "Orvane_A", "Orvane_B"}, {"w", "a", "b"});
+    QCOMPARE(work->size(), 1);
+    QCOMPARE(work->takeFirst(), (QVariantList{1, "Orvane_A", "a"}));
+    QVERIFY(button(0)->isChecked());
+    QVERIFY(!button(1)->isChecked());
 }
 
 QTEST_MAIN(TestDeviceWidget)
