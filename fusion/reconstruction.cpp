@@ -2,6 +2,9 @@
 
 #include <opencv2/core/hal/intrin.hpp>
 
+#include <algorithm>
+#include <cstring>
+
 namespace {
 
 #if CV_SIMD128
@@ -42,6 +45,33 @@ Floats loadFloats(const float *p)
 }
 #endif
 
+constexpr std::array<BlockKind, 2> firstAlone = {BlockKind::AllOne, BlockKind::AllZero};
+constexpr std::array<BlockKind, 2> secondAlone = {BlockKind::AllZero, BlockKind::AllOne};
+
+/// The pixels of at most one block.
+void addWeighted(const std::array<const uchar *, 2> &frames,
+                 const std::array<const float *, 2> &weights, uchar *out, int count)
+{
+#if CV_SIMD128
+    if (count == blockSize) {
+        const Floats wa = loadFloats(weights[0]);
+        const Floats wb = loadFloats(weights[1]);
+        cv::v_uint8x16 a[3], b[3];
+        cv::v_load_deinterleave(frames[0], a[0], a[1], a[2]);
+        cv::v_load_deinterleave(frames[1], b[0], b[1], b[2]);
+        for (int c = 0; c < 3; ++c)
+            a[c] = weightedSum(a[c], b[c], wa, wb);
+        cv::v_store_interleave(out, a[0], a[1], a[2]);
+        return;
+    }
+#endif
+    for (int x = 0; x < count; ++x) {
+        for (int c = 3 * x; c < 3 * x + 3; ++c)
+            out[c] = cv::saturate_cast<uchar>(frames[0][c] * weights[0][x] +
+                                              frames[1][c] * weights[1][x]);
+    }
+}
+
 } // namespace
 
 void normaliseWeights(float *first, float *second, int count, int mode)
@@ -62,24 +92,19 @@ void normaliseWeights(float *first, float *second, int count, int mode)
 }
 
 void reconstruct(const std::array<const uchar *, 2> &frames,
-                 const std::array<const float *, 2> &weights, uchar *out, int count)
+                 const std::array<const float *, 2> &weights,
+                 const std::array<const BlockKind *, 2> &kinds, uchar *out, int count)
 {
-    int x = 0;
-#if CV_SIMD128
-    for (; x + 16 <= count; x += 16) {
-        const Floats wa = loadFloats(weights[0] + x);
-        const Floats wb = loadFloats(weights[1] + x);
-        cv::v_uint8x16 a[3], b[3];
-        cv::v_load_deinterleave(frames[0] + 3 * x, a[0], a[1], a[2]);
-        cv::v_load_deinterleave(frames[1] + 3 * x, b[0], b[1], b[2]);
-        for (int c = 0; c < 3; ++c)
-            a[c] = weightedSum(a[c], b[c], wa, wb);
-        cv::v_store_interleave(out + 3 * x, a[0], a[1], a[2]);
-    }
-#endif
-    for (; x < count; ++x) {
-        for (int c = 3 * x; c < 3 * x + 3; ++c)
-            out[c] = cv::saturate_cast<uchar>(frames[0][c] * weights[0][x] +
-                                              frames[1][c] * weights[1][x]);
+    for (int block = 0; block < blocksFor(count); ++block) {
+        const int x = block * blockSize;
+        const int pixels = std::min(blockSize, count - x);
+        const std::array<BlockKind, 2> kind = {kinds[0][block], kinds[1][block]};
+        if (kind == firstAlone)
+            std::memmove(out + 3 * x, frames[0] + 3 * x, size_t(3 * pixels));
+        else if (kind == secondAlone)
+            std::memmove(out + 3 * x, frames[1] + 3 * x, size_t(3 * pixels));
+        else
+            addWeighted({frames[0] + 3 * x, frames[1] + 3 * x}, {weights[0] + x, weights[1] + x},
+                        out + 3 * x, pixels);
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fusion/blocks.h"
+
 #include <opencv2/core.hpp>
 
 #include <array>
@@ -10,6 +12,10 @@ void normaliseWeights(float *first, float *second, int count, int mode);
 
 /// Stage lastF: a row of the fused picture, the sum of weight times pixel, rounded to the nearest
 /// level and saturated to 0..255.
-/// @param out  three bytes a pixel; may be one of the frames
+/// @param frames   three bytes a pixel
+/// @param weights  room for whole blocks
+/// @param kinds    what is known of the blocks of weights
+/// @param out      may be one of the frames
 void reconstruct(const std::array<const uchar *, 2> &frames,
-                 const std::array<const float *, 2> &weights, uchar *out, int count);
+                 const std::array<const float *, 2> &weights,
+                 const std::array<const BlockKind *, 2> &kinds, uchar *out, int count);

@@ -271,10 +271,12 @@ void TestFusionSteps::otherModesLeaveTheWeights()
 void TestFusionSteps::resultIsRoundedAndSaturated()
 {
     const int count = 17; // a vector and one pixel more
+    const BlockKind mixed[] = {BlockKind::Mixed, BlockKind::Mixed};
     std::vector<uchar> a(3 * count, 200), b(3 * count, 100), out(3 * count);
     const auto sum = [&](float wa, float wb) {
         const std::vector<float> first(count, wa), second(count, wb);
-        reconstruct({a.data(), b.data()}, {first.data(), second.data()}, out.data(), count);
+        reconstruct({a.data(), b.data()}, {first.data(), second.data()}, {mixed, mixed}, out.data(),
+                    count);
         return std::count(out.begin(), out.end(), out[0]) == 3 * count ? int(out[0]) : -1;
     };
     QCOMPARE(sum(0.5f, 0.5f), 150);

@@ -1,0 +1,169 @@
+#include "fusion/coefficientmeans.h"
+
+#include <opencv2/core/hal/intrin.hpp>
+
+#include <algorithm>
+
+namespace {
+
+using Constants = std::array<double, 2 * blockSize>;
+
+/// Pairs of sums, factor and offset, of `count` coefficients of a kind.
+Constants constantSums(BlockKind kind, int count)
+{
+    Constants sums{};
+    if (kind == BlockKind::AllOne) {
+        for (size_t i = 1; i < sums.size(); i += 2)
+            sums[i] = count;
+    }
+    return sums;
+}
+
+const Constants rowSums[] = {constantSums(BlockKind::AllZero, windowSide),
+                             constantSums(BlockKind::AllOne, windowSide)};
+const Constants settledSums[] = {constantSums(BlockKind::AllZero, windowSide *(windowSide - 1)),
+                                 constantSums(BlockKind::AllOne, windowSide *(windowSide - 1))};
+
+} // namespace
+
+CoefficientMeans::CoefficientMeans(cv::Size size)
+    : height(size.height)
+    , blocks(blocksFor(size.width))
+    , pairs(size.width)
+    , kinds(size_t(blocks))
+    , ringSums(size_t(ringRows * blocks * pairsSize))
+    , ringKinds(size_t(ringRows * blocks))
+    , columns(size_t(blocks * pairsSize))
+    , equalRows(size_t(blocks))
+    , lastKinds(size_t(blocks), BlockKind::Mixed)
+    , settled(size_t(blocks), BlockKind::Mixed)
+{}
+
+void CoefficientMeans::set(int block, const Block &coefficients)
+{
+    kinds[size_t(block)] = BlockKind::Mixed;
+    auto *target = reinterpret_cast<float *>(pairs.data() + block * blockSize);
+    for (int i = 0; i < blockSize; i += 4)
+        cv::v_store_interleave(target + 2 * i, cv::v_load(coefficients.factor.data() + i),
+                               cv::v_load(coefficients.offset.data() + i));
+}
+
+void CoefficientMeans::set(int block, BlockKind constant)
+{
+    kinds[size_t(block)] = constant;
+    const float offset = constant == BlockKind::AllOne ? 1.0f : 0.0f;
+    std::fill_n(pairs.data() + block * blockSize, blockSize, Pair{0.0f, offset});
+}
+
+void CoefficientMeans::endRow()
+{
+    pairs.mirror();
+    const Pair *pair = pairs.data();
+    const auto load = [pair](int x) { return cv::v_cvt_f64(cv::v_load_low(&pair[x].factor)); };
+    auto sum = cv::v_setzero_f64();
+    for (int x = -windowRadius; x <= windowRadius; ++x)
+        sum += load(x);
+    for (int block = 0; block < blocks; ++block) {
+        const BlockKind kind = kinds[size_t(block)];
+        const bool alike = kind != BlockKind::Mixed &&
+                           kinds[size_t(std::max(block - 1, 0))] == kind &&
+                           kinds[size_t(std::min(block + 1, blocks - 1))] == kind;
+        const size_t index = ringIndex(block, rowsDone);
+        if (alike) {
+            const auto exact = cv::v_load(rowSums[size_t(kind)].data());
+            if (cv::v_check_all(sum == exact)) {
+                ringKinds[index] = kind;
+                continue;
+            }
+        }
+        ringKinds[index] = BlockKind::Mixed;
+        double *sums = ringSums.data() + index * pairsSize;
+        for (int i = 0; i < blockSize; ++i) {
+            const int x = block * blockSize + i;
+            cv::v_store(sums + 2 * i, sum);
+            sum += load(x + windowRadius + 1) - load(x - windowRadius);
+        }
+    }
+    ++rowsDone;
+}
+
+size_t CoefficientMeans::ringIndex(int block, int y) const
+{
+    return size_t((y % ringRows) * blocks + block);
+}
+
+BlockKind CoefficientMeans::kindOf(int block, int y) const
+{
+    return ringKinds[ringIndex(block, y)];
+}
+
+const double *CoefficientMeans::sumsOf(int block, int y) const
+{
+    const size_t index = ringIndex(block, y);
+    const BlockKind kind = ringKinds[index];
+    return kind == BlockKind::Mixed ? ringSums.data() + index * pairsSize
+                                    : rowSums[size_t(kind)].data();
+}
+
+void CoefficientMeans::nextRow()
+{
+    if (++row > 0)
+        return;
+    for (int y = -windowRadius; y < windowRadius; ++y) {
+        const int inside = mirroredRow(y);
+        for (int block = 0; block < blocks; ++block) {
+            const double *in = sumsOf(block, inside);
+            double *column = columns.data() + block * pairsSize;
+            for (int i = 0; i < pairsSize; ++i)
+                column[i] += in[i];
+            noteEntry(block, kindOf(block, inside));
+        }
+    }
+}
+
+BlockKind CoefficientMeans::slide(int block, Block &means)
+{
+    const int rowIn = mirroredRow(row + windowRadius);
+    const BlockKind kind = kindOf(block, rowIn);
+    if (kind != BlockKind::Mixed && kind == settled[size_t(block)])
+        return kind;
+
+    const double *in = sumsOf(block, rowIn);
+    const double *out = sumsOf(block, mirroredRow(row - windowRadius));
+    double *column = columns.data() + block * pairsSize;
+    const auto scale = cv::v_setall_f64(1.0 / windowArea);
+    const auto slidePair = [&](int i) {
+        const auto sum = cv::v_load(column + i) + cv::v_load(in + i);
+        cv::v_store(column + i, sum - cv::v_load(out + i));
+        return sum * scale;
+    };
+    std::array<float, pairsSize> interleaved;
+    for (int i = 0; i < pairsSize; i += 4)
+        cv::v_store(interleaved.data() + i, cv::v_cvt_f32(slidePair(i), slidePair(i + 2)));
+    for (int i = 0; i < blockSize; i += 4) {
+        cv::v_float32x4 factor, offset;
+        cv::v_load_deinterleave(interleaved.data() + 2 * i, factor, offset);
+        cv::v_store(means.factor.data() + i, factor);
+        cv::v_store(means.offset.data() + i, offset);
+    }
+    noteEntry(block, kind);
+    return BlockKind::Mixed;
+}
+
+/// Finds out whether the block has settled, now that a row of a kind has entered.
+void CoefficientMeans::noteEntry(int block, BlockKind kind)
+{
+    uchar &rows = equalRows[size_t(block)];
+    rows = kind == lastKinds[size_t(block)] ? uchar(std::min(rows + 1, windowSide - 1)) : uchar(1);
+    lastKinds[size_t(block)] = kind;
+    const double *column = columns.data() + block * pairsSize;
+    const bool isSettled =
+        kind != BlockKind::Mixed && rows == windowSide - 1 &&
+        std::equal(column, column + pairsSize, settledSums[size_t(kind)].begin());
+    settled[size_t(block)] = isSettled ? kind : BlockKind::Mixed;
+}
+
+int CoefficientMeans::mirroredRow(int y) const
+{
+    return cv::borderInterpolate(y, height, cv::BORDER_REFLECT);
+}
