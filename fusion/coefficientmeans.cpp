@@ -39,44 +39,57 @@ CoefficientMeans::CoefficientMeans(cv::Size size)
     , settled(size_t(blocks), BlockKind::Mixed)
 {}
 
-void CoefficientMeans::set(int block, const Block &coefficients)
+void CoefficientMeans::add(const Block &coefficients)
 {
-    kinds[size_t(block)] = BlockKind::Mixed;
-    auto *target = reinterpret_cast<float *>(pairs.data() + block * blockSize);
+    auto *target = reinterpret_cast<float *>(pairs.data() + addedBlock * blockSize);
     for (int i = 0; i < blockSize; i += 4)
         cv::v_store_interleave(target + 2 * i, cv::v_load(coefficients.factor.data() + i),
                                cv::v_load(coefficients.offset.data() + i));
+    blockAdded(BlockKind::Mixed);
 }
 
-void CoefficientMeans::set(int block, BlockKind constant)
+void CoefficientMeans::add(BlockKind constant)
 {
-    kinds[size_t(block)] = constant;
     const float offset = constant == BlockKind::AllOne ? 1.0f : 0.0f;
-    std::fill_n(pairs.data() + block * blockSize, blockSize, Pair{0.0f, offset});
+    std::fill_n(pairs.data() + addedBlock * blockSize, blockSize, Pair{0.0f, offset});
+    blockAdded(constant);
 }
 
-void CoefficientMeans::endRow()
+/// Sums one block behind, since a window reaches into the next block. So the additions, each of
+/// which waits for the one before it, overlap with the work on that block.
+void CoefficientMeans::blockAdded(BlockKind kind)
 {
-    pairs.mirror();
+    kinds[size_t(addedBlock)] = kind;
+    const bool isLast = addedBlock == blocks - 1;
+    if (isLast)
+        pairs.mirror();
+    if (addedBlock > 0)
+        sumAlongRow(addedBlock - 1);
+    if (isLast) {
+        sumAlongRow(addedBlock);
+        ++addedRow;
+    }
+    addedBlock = isLast ? 0 : addedBlock + 1;
+}
+
+void CoefficientMeans::sumAlongRow(int block)
+{
     const Pair *pair = pairs.data();
     const auto load = [pair](int x) { return cv::v_cvt_f64(cv::v_load_low(&pair[x].factor)); };
-    auto sum = cv::v_setzero_f64();
-    for (int x = -windowRadius; x <= windowRadius; ++x)
-        sum += load(x);
-    for (int block = 0; block < blocks; ++block) {
-        const BlockKind kind = kinds[size_t(block)];
-        const bool alike = kind != BlockKind::Mixed &&
-                           kinds[size_t(std::max(block - 1, 0))] == kind &&
-                           kinds[size_t(std::min(block + 1, blocks - 1))] == kind;
-        const size_t index = ringIndex(block, rowsDone);
-        if (alike) {
-            const auto exact = cv::v_load(rowSums[size_t(kind)].data());
-            if (cv::v_check_all(sum == exact)) {
-                ringKinds[index] = kind;
-                continue;
-            }
-        }
-        ringKinds[index] = BlockKind::Mixed;
+    auto sum = cv::v_load(runningSum);
+    if (block == 0) {
+        pairs.mirrorLeft();
+        sum = cv::v_setzero_f64();
+        for (int x = -windowRadius; x <= windowRadius; ++x)
+            sum += load(x);
+    }
+    const BlockKind kind = kinds[size_t(block)];
+    const bool alike = kind != BlockKind::Mixed && kinds[size_t(std::max(block - 1, 0))] == kind &&
+                       kinds[size_t(std::min(block + 1, blocks - 1))] == kind &&
+                       cv::v_check_all(sum == cv::v_load(rowSums[size_t(kind)].data()));
+    const size_t index = ringIndex(block, addedRow);
+    ringKinds[index] = alike ? kind : BlockKind::Mixed;
+    if (!alike) {
         double *sums = ringSums.data() + index * pairsSize;
         for (int i = 0; i < blockSize; ++i) {
             const int x = block * blockSize + i;
@@ -84,7 +97,7 @@ void CoefficientMeans::endRow()
             sum += load(x + windowRadius + 1) - load(x - windowRadius);
         }
     }
-    ++rowsDone;
+    cv::v_store(runningSum, sum);
 }
 
 size_t CoefficientMeans::ringIndex(int block, int y) const
@@ -131,7 +144,7 @@ BlockKind CoefficientMeans::slide(int block, Block &means)
     const double *in = sumsOf(block, rowIn);
     const double *out = sumsOf(block, mirroredRow(row - windowRadius));
     double *column = columns.data() + block * pairsSize;
-    const auto scale = cv::v_setall_f64(1.0 / windowArea);
+    const auto scale = cv::v_setall_f64(windowScale);
     const auto slidePair = [&](int i) {
         const auto sum = cv::v_load(column + i) + cv::v_load(in + i);
         cv::v_store(column + i, sum - cv::v_load(out + i));

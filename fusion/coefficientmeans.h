@@ -22,13 +22,11 @@ public:
 
     explicit CoefficientMeans(cv::Size size);
 
-    /// Sets the coefficients of a block in the row that is being put together.
-    void set(int block, const Block &coefficients);
+    /// Adds a block of coefficients: rows from the top, each from the left. A row of means takes
+    /// all rows up to `windowRadius` below it.
+    void add(const Block &coefficients);
     /// The same where all factors are 0 and all offsets are 0 or 1.
-    void set(int block, BlockKind constant);
-    /// The row is complete: sums it along the row. From the top; a row of means takes all rows up
-    /// to `windowRadius` below it.
-    void endRow();
+    void add(BlockKind constant);
 
     /// Moves the window to the next row, from the top.
     void nextRow();
@@ -45,6 +43,8 @@ private:
         float factor, offset;
     };
 
+    void blockAdded(BlockKind kind);
+    void sumAlongRow(int block);
     int mirroredRow(int y) const;
     size_t ringIndex(int block, int y) const;
     BlockKind kindOf(int block, int y) const;
@@ -55,7 +55,9 @@ private:
     int blocks;
     MarginRow<Pair> pairs;
     std::vector<BlockKind> kinds;
-    int rowsDone = 0;
+    int addedRow = 0;   ///< the row that is being added
+    int addedBlock = 0; ///< the block that comes next in it
+    double runningSum[2];
     std::vector<double> ringSums;
     std::vector<BlockKind> ringKinds; ///< AllZero, AllOne: the sums are exactly those of 15 of them
 

@@ -28,6 +28,11 @@ private:
     int64 last = cv::getTickCount();
 };
 
+struct SelectionBuffers : SaliencyBuffers
+{
+    cv::Mat saliency[2];
+};
+
 /// Rows of weights of both frames, few enough to stay in the cache.
 class WeightBand
 {
@@ -63,16 +68,18 @@ void fuseFrames(const std::array<cv::Mat, 2> &frames, cv::Mat &out, int mode,
     StageClock clock;
 
     auto &[gradients, selection] = buffers;
-    for (size_t i = 0; i < 2; ++i) {
-        createPadded(gradients[i], size, CV_32F);
-        forEachBand(size.height,
-                    [&, i](cv::Range rows) { gradientMap(frames[i], rows, gradients[i]); });
-    }
+    for (cv::Mat &gradient : gradients)
+        createPadded(gradient, size, CV_32F);
     createPadded(selection, size, CV_8U);
-    forEachBand(size.height, [&](cv::Range rows) {
+    forEachBand<SaliencyBuffers>(size.height, [&](cv::Range rows, SaliencyBuffers &band) {
+        for (size_t i = 0; i < 2; ++i)
+            gradientMap(frames[i], rows, gradients[i], band);
+    });
+    forEachBand<SelectionBuffers>(size.height, [&](cv::Range rows, SelectionBuffers &band) {
         // Of equal values the first frame's wins.
-        cv::compare(saliency(gradients[1], rows), saliency(gradients[0], rows),
-                    selection.rowRange(rows), cv::CMP_GT);
+        cv::compare(saliency(gradients[1], rows, band.saliency[1], band),
+                    saliency(gradients[0], rows, band.saliency[0], band), selection.rowRange(rows),
+                    cv::CMP_GT);
     });
     double seconds = 0.0;
     clock.add(seconds);
@@ -99,7 +106,8 @@ void fuseFrames(const std::array<cv::Mat, 2> &frames, cv::Mat &out, int mode,
         });
         clock.add(filtering);
         for (int y = 0; y < height; ++y)
-            normaliseWeights(band.weightsOf(0, y), band.weightsOf(1, y), size.width, mode);
+            normaliseWeights({band.weightsOf(0, y), band.weightsOf(1, y)},
+                             {band.kindsOf(0, y), band.kindsOf(1, y)}, size.width, mode);
         clock.add(normalising);
         for (int y = 0; y < height; ++y)
             reconstruct({frames[0].ptr(top + y), frames[1].ptr(top + y)},

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr double meanScale = 1.0 / windowArea;
-
 /// Up to this mean square of the guide, epsilon outweighs all rounding of the variance. Above it
 /// the variance may come out as 0 and make a coefficient not a number, in constant windows too.
 constexpr double calmEnergy = 65536.0;
@@ -24,13 +22,13 @@ cv::v_float32x4 reciprocal(const cv::v_float32x4 &value)
 
 bool isCalm(const std::array<double, blockSize> &energy)
 {
-    return *std::max_element(energy.begin(), energy.end()) < calmEnergy * windowArea;
+    return *std::max_element(energy.begin(), energy.end()) < calmEnergy / windowScale;
 }
 
 std::array<float, blockSize> meansOf(const std::array<double, blockSize> &sums)
 {
     std::array<float, blockSize> means;
-    const auto scale = cv::v_setall_f64(meanScale);
+    const auto scale = cv::v_setall_f64(windowScale);
     for (int i = 0; i < blockSize; i += 4) {
         cv::v_store(means.data() + i, cv::v_cvt_f32(cv::v_load(sums.data() + i) * scale,
                                                     cv::v_load(sums.data() + i + 2) * scale));
@@ -44,7 +42,7 @@ GuidedFilterRows::GuidedFilterRows(const cv::Mat &guidePicture, const cv::Mat &s
                                    bool inverted, double regularity)
     : guide(guidePicture)
     , epsilon(float(regularity))
-    , guideSums(guide, selection, inverted)
+    , guideMeans(guide, selection, inverted)
     , energySums(guide)
     , means(guide.size())
 {}
@@ -73,35 +71,32 @@ void GuidedFilterRows::next(float *filtered, BlockKind *kinds)
 
 void GuidedFilterRows::nextCoefficients()
 {
-    guideSums.nextRow();
+    guideMeans.nextRow();
     energySums.nextRow();
     std::array<double, blockSize> energy;
     CoefficientMeans::Block coefficient;
     for (int block = 0; block < blocksFor(guide.cols); ++block) {
         energySums.slide(block, energy);
-        const BlockKind source = guideSums.sourceAround(block);
+        const BlockKind source = guideMeans.sourceAround(block);
         if (source != BlockKind::Mixed && isCalm(energy)) {
-            means.set(block, source);
+            means.add(source);
             continue;
         }
         coefficients(block, energy, coefficient);
-        means.set(block, coefficient);
+        means.add(coefficient);
     }
-    means.endRow();
     ++coefficientsDone;
 }
 
 /// factor = covariance of guide and source / (variance of guide + epsilon)
 /// offset = mean of source - factor * mean of guide
 void GuidedFilterRows::coefficients(int block, const std::array<double, blockSize> &energy,
-                                    CoefficientMeans::Block &result) const
+                                    CoefficientMeans::Block &result)
 {
-    GuideSums::Block sums;
-    guideSums.sum(block, sums);
+    GuideMeans::Block mean;
+    guideMeans.mean(block, mean);
     const auto square = meansOf(energy);
-    const auto guides = meansOf(sums.guide);
-    const auto product = meansOf(sums.product);
-    const auto source = meansOf(sums.source);
+    const auto &[guides, product, source] = mean;
 
     // The columns behind the last full vector take other roundings.
     const int vectorEnd = std::min(guide.cols / 4 * 4 - block * blockSize, blockSize);

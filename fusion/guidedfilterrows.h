@@ -27,13 +27,13 @@ public:
 private:
     void nextCoefficients();
     void coefficients(int block, const std::array<double, blockSize> &energy,
-                      CoefficientMeans::Block &result) const;
+                      CoefficientMeans::Block &result);
 
     cv::Mat guide;
     float epsilon;
     int row = 0;
     int coefficientsDone = 0;
-    GuideSums guideSums;
+    GuideMeans guideMeans;
     EnergySums energySums;
     CoefficientMeans means;
 };

@@ -45,8 +45,29 @@ Floats loadFloats(const float *p)
 }
 #endif
 
-constexpr std::array<BlockKind, 2> firstAlone = {BlockKind::AllOne, BlockKind::AllZero};
-constexpr std::array<BlockKind, 2> secondAlone = {BlockKind::AllZero, BlockKind::AllOne};
+void normaliseBlock(float *first, float *second, bool divide)
+{
+#if CV_SIMD128
+    const auto one = cv::v_setall_f32(1.0f);
+    for (int x = 0; x < blockSize; x += 4) {
+        auto a = cv::v_load(first + x);
+        auto b = cv::v_load(second + x);
+        a = cv::v_select(a > one, one, a);
+        b = cv::v_select(b > one, one, b);
+        const auto divisor = divide ? a + b : one;
+        cv::v_store(first + x, a / divisor);
+        cv::v_store(second + x, b / divisor);
+    }
+#else
+    for (int x = 0; x < blockSize; ++x) {
+        const float a = first[x] > 1.0f ? 1.0f : first[x];
+        const float b = second[x] > 1.0f ? 1.0f : second[x];
+        const float divisor = divide ? a + b : 1.0f;
+        first[x] = a / divisor;
+        second[x] = b / divisor;
+    }
+#endif
+}
 
 /// The pixels of at most one block.
 void addWeighted(const std::array<const uchar *, 2> &frames,
@@ -74,20 +95,16 @@ void addWeighted(const std::array<const uchar *, 2> &frames,
 
 } // namespace
 
-void normaliseWeights(float *first, float *second, int count, int mode)
+void normaliseWeights(const std::array<float *, 2> &weights,
+                      const std::array<const BlockKind *, 2> &kinds, int count, int mode)
 {
     if (mode != 1 && mode != 2)
         return;
-    for (int x = 0; x < count; ++x) {
-        first[x] = first[x] > 1.0f ? 1.0f : first[x];
-        second[x] = second[x] > 1.0f ? 1.0f : second[x];
-    }
-    if (mode != 1)
-        return;
-    for (int x = 0; x < count; ++x) {
-        const float sum = first[x] + second[x];
-        first[x] /= sum;
-        second[x] /= sum;
+    for (int block = 0; block < blocksFor(count); ++block) {
+        if (isOneSided(kinds[0][block], kinds[1][block]))
+            continue;
+        const int x = block * blockSize;
+        normaliseBlock(weights[0] + x, weights[1] + x, mode == 1);
     }
 }
 
@@ -98,13 +115,12 @@ void reconstruct(const std::array<const uchar *, 2> &frames,
     for (int block = 0; block < blocksFor(count); ++block) {
         const int x = block * blockSize;
         const int pixels = std::min(blockSize, count - x);
-        const std::array<BlockKind, 2> kind = {kinds[0][block], kinds[1][block]};
-        if (kind == firstAlone)
-            std::memmove(out + 3 * x, frames[0] + 3 * x, size_t(3 * pixels));
-        else if (kind == secondAlone)
-            std::memmove(out + 3 * x, frames[1] + 3 * x, size_t(3 * pixels));
-        else
-            addWeighted({frames[0] + 3 * x, frames[1] + 3 * x}, {weights[0] + x, weights[1] + x},
-                        out + 3 * x, pixels);
+        if (isOneSided(kinds[0][block], kinds[1][block])) {
+            const uchar *frame = frames[kinds[0][block] == BlockKind::AllOne ? 0 : 1];
+            std::memmove(out + 3 * x, frame + 3 * x, size_t(3 * pixels));
+            continue;
+        }
+        addWeighted({frames[0] + 3 * x, frames[1] + 3 * x}, {weights[0] + x, weights[1] + x},
+                    out + 3 * x, pixels);
     }
 }

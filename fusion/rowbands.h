@@ -5,18 +5,21 @@
 /// Rows that are worked on at a time, few enough for a band's pictures to stay in the cache.
 constexpr int bandRows = 64;
 
-/// Calls `work` with a `cv::Range` for every band of a picture's rows, on the library's threads.
+/// Calls `work(cv::Range rows, Scratch &scratch)` for every band of a picture's rows, on the
+/// library's threads. What a thread leaves in `scratch` is there again for its next band.
+///
 /// Bands begin at multiples of `bandRows`; the last one takes the remainder, so that no band of a
 /// higher picture is smaller than `bandRows`. What `work` throws reaches the caller.
-template<typename Work>
+template<typename Scratch, typename Work>
 void forEachBand(int rows, const Work &work)
 {
     const int bands = std::max(rows / bandRows, 1);
     cv::parallel_for_(
         cv::Range(0, bands),
         [&](const cv::Range &range) {
+            Scratch scratch;
             for (int i = range.start; i < range.end; ++i)
-                work(cv::Range(i * bandRows, i + 1 == bands ? rows : (i + 1) * bandRows));
+                work(cv::Range(i * bandRows, i + 1 == bands ? rows : (i + 1) * bandRows), scratch);
         },
-        bands);
+        cv::getNumThreads());
 }

@@ -49,22 +49,21 @@ void addMagnitudes(const float *a, const float *b, float *sum, int count)
 
 } // namespace
 
-cv::Mat logGray(const cv::Mat &frame, cv::Range rows)
+void logGray(const cv::Mat &frame, cv::Range rows, SaliencyBuffers &buffers)
 {
-    cv::Mat bgr, gray, result;
+    auto &[bgr, gray, levels, gx, gy, maxima] = buffers;
     frame.rowRange(rows).convertTo(bgr, CV_32F);
     cv::cvtColor(bgr, gray, cv::COLOR_BGR2GRAY); // after the conversion to float: no rounding
-    cv::add(gray, cv::Scalar(1.0), gray);
-    logOfStretch(gray, result, rows.end == frame.rows, frame.total());
-    result.convertTo(result, CV_32F, logScale);
-    return result;
+    gray.convertTo(gray, CV_32F, 1.0, 1.0);
+    logOfStretch(gray, levels, rows.end == frame.rows, frame.total());
+    levels.convertTo(levels, CV_32F, logScale);
 }
 
-void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient)
+void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient, SaliencyBuffers &buffers)
 {
+    auto &[bgr, gray, levels, gx, gy, maxima] = buffers;
     const cv::Range around = widened(rows, 1, frame.rows);
-    const cv::Mat levels = logGray(frame, around);
-    cv::Mat gx, gy;
+    logGray(frame, around, buffers);
     cv::Sobel(levels, gx, CV_32F, 1, 0);
     cv::Sobel(levels, gy, CV_32F, 0, 1);
     for (int y = rows.start; y < rows.end; ++y)
@@ -72,26 +71,24 @@ void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient)
                       gradient.ptr<float>(y), frame.cols);
 }
 
-cv::Mat maxFilter(const cv::Mat &src, cv::Range rows, int radius)
+void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius)
 {
     CV_Assert(src.rows >= 2 * radius);
-    cv::Mat dst = src.rowRange(rows).clone();
+    src.rowRange(rows).copyTo(dst);
     const cv::Range inner(std::max(rows.start, radius), std::min(rows.end, src.rows - radius));
     const cv::Range columns(radius, src.cols - radius);
     if (inner.start >= inner.end || columns.start >= columns.end)
-        return dst;
+        return;
     const cv::Mat square =
         cv::getStructuringElement(cv::MORPH_RECT, cv::Size(2 * radius + 1, 2 * radius + 1));
     cv::dilate(src(inner, columns),
                dst(cv::Range(inner.start - rows.start, inner.end - rows.start), columns), square);
-    return dst;
 }
 
-cv::Mat saliency(const cv::Mat &gradient, cv::Range rows)
+cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &result, SaliencyBuffers &buffers)
 {
     const cv::Range around = widened(rows, gaussSide / 2, gradient.rows);
-    cv::Mat result;
-    cv::GaussianBlur(maxFilter(gradient, around, maximumRadius), result,
-                     cv::Size(gaussSide, gaussSide), gaussSigma);
+    maxFilter(gradient, around, buffers.maxima, maximumRadius);
+    cv::GaussianBlur(buffers.maxima, result, cv::Size(gaussSide, gaussSide), gaussSigma);
     return result.rowRange(rows.start - around.start, rows.end - around.start);
 }

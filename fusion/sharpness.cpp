@@ -56,14 +56,15 @@ quint64 gradientSum(const Rows &r, int width)
     return sum;
 }
 
-quint64 gradientSum(const cv::Mat &frame, cv::Range rows)
+/// @param padded  working picture
+quint64 gradientSum(const cv::Mat &frame, cv::Range rows, cv::Mat &padded)
 {
     const auto mirrored = [](int p, int length) {
         return cv::borderInterpolate(p, length, cv::BORDER_DEFAULT);
     };
     const int width = frame.cols;
     const cv::Range around(std::max(rows.start - 1, 0), std::min(rows.end + 1, frame.rows));
-    cv::Mat padded(around.size(), width + 2, CV_8U);
+    padded.create(around.size(), width + 2, CV_8U);
     cv::Mat gray = padded.colRange(1, width + 1);
     cv::cvtColor(frame.rowRange(around), gray, cv::COLOR_BGR2GRAY);
     for (int y = 0; y < padded.rows; ++y) {
@@ -85,6 +86,8 @@ double sharpness(const cv::Mat &frame)
     CV_Assert(!frame.empty() && frame.type() == CV_8UC3);
     // Whole numbers: the order in which the bands are added does not matter.
     std::atomic<quint64> sum{0};
-    forEachBand(frame.rows, [&](cv::Range rows) { sum += gradientSum(frame, rows); });
+    forEachBand<cv::Mat>(frame.rows, [&](cv::Range rows, cv::Mat &padded) {
+        sum += gradientSum(frame, rows, padded);
+    });
     return double(sum.load()) / 1000000.0;
 }

@@ -18,41 +18,49 @@ void exchangeFour(double *columns, const cv::v_float32x4 &in, const cv::v_float3
     cv::v_store(columns + 2, cv::v_load(columns + 2) + high);
 }
 
+/// The means of four windows from two pairs of sums.
+cv::v_float32x4 toMeans(const cv::v_float64x2 &first, const cv::v_float64x2 &second)
+{
+    const auto scale = cv::v_setall_f64(windowScale);
+    return cv::v_cvt_f32(first * scale, second * scale);
+}
+
 } // namespace
 
-GuideSums::GuideSums(const cv::Mat &guidePicture, const cv::Mat &selectionPicture, bool inverted)
+GuideMeans::GuideMeans(const cv::Mat &guidePicture, const cv::Mat &selectionPicture, bool inverted)
     : guide(guidePicture)
     , selection(selectionPicture)
     , inversion(inverted ? 255 : 0)
-    , guideColumns(guide.cols)
-    , productColumns(guide.cols)
+    , guideSums(guide.cols)
+    , productSums(guide.cols)
     , sourceColumns(guide.cols)
 {
     cv::Mat noGuide, noSource;
     createPadded(noGuide, {guide.cols, 1}, CV_32F);
     createPadded(noSource, {guide.cols, 1}, CV_8U);
-    noSource.setTo(inversion);
+    std::fill_n(noSource.ptr(), blocksFor(guide.cols) * blockSize, inversion);
     const Row nothing = {noGuide.ptr<float>(), noSource.ptr()};
     for (int y = -windowRadius - 1; y < windowRadius; ++y)
         exchange(mirroredRow(y), nothing);
 }
 
-GuideSums::Row GuideSums::mirroredRow(int y) const
+GuideMeans::Row GuideMeans::mirroredRow(int y) const
 {
     const int inside = mirrored(y, guide);
     return {guide.ptr<float>(inside), selection.ptr(inside)};
 }
 
-void GuideSums::nextRow()
+void GuideMeans::nextRow()
 {
     exchange(mirroredRow(row + windowRadius), mirroredRow(row - windowRadius - 1));
-    guideColumns.mirror();
-    productColumns.mirror();
+    guideSums.columns.mirror();
+    productSums.columns.mirror();
     sourceColumns.mirror();
+    nextBlock = -1;
     ++row;
 }
 
-void GuideSums::exchange(const Row &in, const Row &out)
+void GuideMeans::exchange(const Row &in, const Row &out)
 {
     const int end = blocksFor(guide.cols) * blockSize;
     const auto inverted = cv::v_setall_u8(inversion);
@@ -67,16 +75,18 @@ void GuideSums::exchange(const Row &in, const Row &out)
         const auto mask = cv::v_load_expand_q(reinterpret_cast<const schar *>(pixels));
         return values & cv::v_reinterpret_as_f32(mask ^ invertedMask);
     };
+    double *guides = guideSums.columns.data();
+    double *products = productSums.columns.data();
     for (int x = 0; x < end; x += 4) {
         const auto entering = cv::v_load(in.guide + x);
         const auto leaving = cv::v_load(out.guide + x);
-        exchangeFour(guideColumns.data() + x, entering, leaving);
-        exchangeFour(productColumns.data() + x, chosen(entering, in.selection + x),
+        exchangeFour(guides + x, entering, leaving);
+        exchangeFour(products + x, chosen(entering, in.selection + x),
                      chosen(leaving, out.selection + x));
     }
 }
 
-BlockKind GuideSums::sourceAround(int block) const
+BlockKind GuideMeans::sourceAround(int block) const
 {
     // Two loads cover the windows of all 16 pixels: 30 columns.
     const uchar *columns = sourceColumns.data() + block * blockSize;
@@ -89,26 +99,52 @@ BlockKind GuideSums::sourceAround(int block) const
     return all(0) ? BlockKind::AllZero : all(windowSide) ? BlockKind::AllOne : BlockKind::Mixed;
 }
 
-void GuideSums::sum(int block, Block &sums) const
+void GuideMeans::Sums::begin(int x)
 {
-    const int begin = block * blockSize;
-    const double *guides = guideColumns.data() + begin;
-    const double *products = productColumns.data() + begin;
-    const uchar *sources = sourceColumns.data() + begin;
-    double guideSum = 0.0, productSum = 0.0;
-    int sourceSum = 0;
-    for (int i = -windowRadius; i < windowRadius; ++i) {
-        guideSum += guides[i];
-        productSum += products[i];
-        sourceSum += sources[i];
+    auto sum = cv::v_setzero_f64();
+    for (int i = x - windowRadius; i <= x + windowRadius; ++i)
+        sum += cv::v_load(columns.data() + i);
+    cv::v_store(pair, sum);
+}
+
+void GuideMeans::Sums::meansFrom(int x, float *means)
+{
+    auto sum = cv::v_load(pair);
+    const double *entering = columns.data() + x + windowRadius + 1;
+    const double *leaving = columns.data() + x - windowRadius;
+    const auto next = [&](int i) {
+        const auto current = sum;
+        sum += cv::v_load(entering + i) + cv::v_load(entering + i + 1) -
+               (cv::v_load(leaving + i) + cv::v_load(leaving + i + 1));
+        return current;
+    };
+    for (int i = 0; i < blockSize; i += 4) {
+        const auto first = next(i);
+        cv::v_store(means + i, toMeans(first, next(i + 2)));
     }
-    for (int i = 0; i < blockSize; ++i) {
-        sums.guide[size_t(i)] = guideSum += guides[i + windowRadius];
-        sums.product[size_t(i)] = productSum += products[i + windowRadius];
-        sums.source[size_t(i)] = sourceSum += sources[i + windowRadius];
-        guideSum -= guides[i - windowRadius];
-        productSum -= products[i - windowRadius];
-        sourceSum -= sources[i - windowRadius];
+    cv::v_store(pair, sum);
+}
+
+void GuideMeans::mean(int block, Block &means)
+{
+    const int x = block * blockSize;
+    if (block != nextBlock) {
+        guideSums.begin(x);
+        productSums.begin(x);
+    }
+    nextBlock = block + 1;
+    guideSums.meansFrom(x, means.guide.data());
+    productSums.meansFrom(x, means.product.data());
+
+    auto counts = cv::v_setzero_u8();
+    for (int i = x - windowRadius; i <= x + windowRadius; ++i)
+        counts = cv::v_add_wrap(counts, cv::v_load(sourceColumns.data() + i));
+    uchar count[blockSize];
+    cv::v_store(count, counts);
+    for (int i = 0; i < blockSize; i += 4) {
+        const auto four = cv::v_reinterpret_as_s32(cv::v_load_expand_q(count + i));
+        cv::v_store(means.source.data() + i,
+                    toMeans(cv::v_cvt_f64(four), cv::v_cvt_f64_high(four)));
     }
 }
 

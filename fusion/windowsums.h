@@ -7,16 +7,16 @@
 #include <array>
 #include <vector>
 
-/// Sums over a square window that moves down a picture, row by row, for the guided filter. Outside
-/// the picture its rows and columns are mirrored, the edge included.
+/// Sums and means over a square window that moves down a picture, row by row, for the guided
+/// filter. Outside the picture its rows and columns are mirrored, the edge included.
 ///
 /// Rows of sums have room for whole blocks and a margin on either side. What stands behind the
 /// picture's last column is of no account.
 
 constexpr int windowRadius = 7;
 constexpr int windowSide = 2 * windowRadius + 1;
-constexpr int windowArea = windowSide * windowSide;
-constexpr int windowMargin = windowRadius + 1;
+constexpr double windowScale = 1.0 / (windowSide * windowSide);
+constexpr int windowMargin = windowRadius + 3; // a pair of windows is moved on by a pair of columns
 
 /// A row of values with its margins.
 template<typename T>
@@ -37,40 +37,43 @@ public:
     const T *data() const { return values.data() + windowMargin; }
 
     /// Fills what lies beside the picture.
-    void mirror()
-    {
-        T *row = data();
-        for (const auto &[outside, inside] : mirrored)
-            row[outside] = row[inside];
-    }
+    void mirror() { mirror(mirrored.size()); }
+    void mirrorLeft() { mirror(windowMargin); }
 
 private:
+    void mirror(size_t count)
+    {
+        T *row = data();
+        for (size_t i = 0; i < count; ++i)
+            row[mirrored[i].first] = row[mirrored[i].second];
+    }
+
     std::vector<T> values;
-    std::vector<std::pair<int, int>> mirrored;
+    std::vector<std::pair<int, int>> mirrored; ///< column outside, column inside; left ones first
 };
 
-/// Sums of the guide, of the guide where the source is 1, and of the source. The guide is a sum of
+/// Means of the guide, of the guide where the source is 1, and of the source. The guide is a sum of
 /// differences of logarithmic grey levels, which are multiples of 2^-22 and at most 150: all sums
 /// are exact, and the order of their terms does not matter.
-class GuideSums
+class GuideMeans
 {
 public:
     struct Block
     {
-        std::array<double, blockSize> guide;
-        std::array<double, blockSize> product;
-        std::array<double, blockSize> source;
+        std::array<float, blockSize> guide;
+        std::array<float, blockSize> product;
+        std::array<float, blockSize> source;
     };
 
     /// @param inverted  the source is 1 where the selection is 0, otherwise where it is 255
-    GuideSums(const cv::Mat &guidePicture, const cv::Mat &selectionPicture, bool inverted);
+    GuideMeans(const cv::Mat &guidePicture, const cv::Mat &selectionPicture, bool inverted);
 
     /// Moves the window's centre to the next row, from the top.
     void nextRow();
     /// Whether the source is constant in the windows of all pixels of a block.
     BlockKind sourceAround(int block) const;
-    /// The sums of a block's pixels.
-    void sum(int block, Block &sums) const;
+    /// The means of a block's pixels; fastest for one block after the other.
+    void mean(int block, Block &means);
 
 private:
     struct Row
@@ -78,14 +81,28 @@ private:
         const float *guide;
         const uchar *selection;
     };
+    /// Column sums, and the sums of the windows around a pair of neighbouring pixels.
+    struct Sums
+    {
+        explicit Sums(int width)
+            : columns(width)
+        {}
+
+        void begin(int x);
+        void meansFrom(int x, float *means);
+
+        MarginRow<double> columns;
+        double pair[2];
+    };
     Row mirroredRow(int y) const;
     void exchange(const Row &in, const Row &out);
 
     cv::Mat guide, selection;
     uchar inversion;
     int row = 0;
-    MarginRow<double> guideColumns, productColumns;
+    Sums guideSums, productSums;
     MarginRow<uchar> sourceColumns;
+    int nextBlock = -1; ///< the one that the pairs of windows stand at
 };
 
 /// Sums of the guide's squares, each rounded to a float first. They are not exact: they are added

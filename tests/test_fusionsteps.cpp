@@ -72,20 +72,63 @@ cv::Mat literallyFused(const Pair &frames, int mode = 1, literal::Trace *trace =
     return out;
 }
 
-/// Whole pictures of the steps, put together from bands as the fusion does.
+/// A whole picture of a step, put together from bands as the fusion does.
+/// @param step  returns some rows of it
 template<typename Step>
-cv::Mat banded(cv::Size size, int type, const Step &step)
+cv::Mat banded(cv::Size size, const Step &step)
 {
-    cv::Mat whole(size, type);
-    forEachBand(size.height, [&](cv::Range rows) { step(rows).copyTo(whole.rowRange(rows)); });
+    cv::Mat whole(size, CV_32F);
+    forEachBand<SaliencyBuffers>(size.height, [&](cv::Range rows, SaliencyBuffers &band) {
+        step(rows, band).copyTo(whole.rowRange(rows));
+    });
     return whole;
+}
+
+cv::Mat logGrayOf(const cv::Mat &frame)
+{
+    return banded(frame.size(), [&](cv::Range rows, SaliencyBuffers &band) {
+        logGray(frame, rows, band);
+        return band.levels;
+    });
 }
 
 cv::Mat gradientOf(const cv::Mat &frame)
 {
     cv::Mat gradient(frame.size(), CV_32F);
-    forEachBand(frame.rows, [&](cv::Range rows) { gradientMap(frame, rows, gradient); });
-    return gradient;
+    return banded(frame.size(), [&](cv::Range rows, SaliencyBuffers &band) {
+        gradientMap(frame, rows, gradient, band);
+        return gradient.rowRange(rows);
+    });
+}
+
+cv::Mat maximumOf(const cv::Mat &gradient)
+{
+    return banded(gradient.size(), [&](cv::Range rows, SaliencyBuffers &band) {
+        maxFilter(gradient, rows, band.maxima, 5);
+        return band.maxima;
+    });
+}
+
+cv::Mat saliencyOf(const cv::Mat &gradient)
+{
+    return banded(gradient.size(), [&](cv::Range rows, SaliencyBuffers &band) {
+        return saliency(gradient, rows, band.gx, band);
+    });
+}
+
+using Floats = std::vector<float>;
+
+/// The two rows of weights after stage norm, at most a block of them.
+std::array<Floats, 2> normalised(Floats first, Floats second, int mode)
+{
+    const size_t count = first.size();
+    const BlockKind kind = BlockKind::Mixed;
+    first.resize(blockSize, 1.0f);
+    second.resize(blockSize, 1.0f);
+    normaliseWeights({first.data(), second.data()}, {&kind, &kind}, int(count), mode);
+    first.resize(count);
+    second.resize(count);
+    return {first, second};
 }
 
 } // namespace
@@ -111,6 +154,7 @@ private slots:
     void flatFramesGoToTheFirstFrame();
     void weightsAboveOneAreClampedAndTheSumIsDividedOut();
     void negativeWeightsStay();
+    void sumOfZeroIsNotGuarded();
     void secondModeClampsWithoutDividing();
     void otherModesLeaveTheWeights();
     void resultIsRoundedAndSaturated();
@@ -134,7 +178,7 @@ void TestFusionSteps::blackIsZeroAndWhiteIs150OnTheLogarithmicScale()
 {
     cv::Mat frame(1, 2, CV_8UC3, cv::Scalar::all(0));
     frame.at<cv::Vec3b>(0, 1) = cv::Vec3b(255, 255, 255);
-    const cv::Mat levels = logGray(frame, {0, 1});
+    const cv::Mat levels = logGrayOf(frame);
     QCOMPARE(levels.at<float>(0, 0), 0.0f);
     QVERIFY(std::abs(levels.at<float>(0, 1) - 150.0f) < 1e-4f);
 }
@@ -144,7 +188,7 @@ void TestFusionSteps::outerRingOfTheGradientStaysUnfiltered()
     cv::Mat gradient = cv::Mat::zeros(20, 20, CV_32F);
     gradient.at<float>(2, 2) = 7.0f;
     gradient.at<float>(10, 10) = 3.0f;
-    const cv::Mat maxima = maxFilter(gradient, {0, 20}, 5);
+    const cv::Mat maxima = maximumOf(gradient);
     QCOMPARE(maxima.at<float>(2, 2), 7.0f);
     QCOMPARE(maxima.at<float>(2, 3), 0.0f);
     QCOMPARE(maxima.at<float>(4, 10), 0.0f);
@@ -169,7 +213,7 @@ void TestFusionSteps::pictureOfAtMostTenRowsOrColumnsIsCopiedByTheMaximumFilter(
     QFETCH(int, rows);
     cv::Mat gradient(rows, columns, CV_32F);
     cv::RNG(5).fill(gradient, cv::RNG::UNIFORM, 0.0, 100.0);
-    COMPARE_PICTURES(maxFilter(gradient, {0, rows}, 5), gradient);
+    COMPARE_PICTURES(maximumOf(gradient), gradient);
     cv::Mat expected;
     literal::maxFilter(gradient, expected, 5);
     COMPARE_PICTURES(expected, gradient);
@@ -189,7 +233,6 @@ void TestFusionSteps::fewerThanTenRowsMakeTheLibraryThrow()
 
 void TestFusionSteps::windowMaximumOfTheOracleKeepsItsRules()
 {
-    using Floats = std::vector<float>;
     QVERIFY(literal::slidingMax({1, 2}, 3).empty());
     QCOMPARE(literal::slidingMax({1, 3, 2}, 3), Floats({3}));
     QCOMPARE(literal::slidingMax({5, 1, 2, 2, 0, 0}, 3), Floats({5, 2, 2, 2}));
@@ -228,44 +271,38 @@ void TestFusionSteps::flatFramesGoToTheFirstFrame()
 
 void TestFusionSteps::weightsAboveOneAreClampedAndTheSumIsDividedOut()
 {
-    float first[] = {1.5f, 0.25f, 0.5f};
-    float second[] = {1.0f, 0.25f, 1.5f};
-    normaliseWeights(first, second, 3, 1);
-    QCOMPARE(first[0], 0.5f);
-    QCOMPARE(second[0], 0.5f);
-    QCOMPARE(first[1], 0.5f);
-    QCOMPARE(second[1], 0.5f);
-    QCOMPARE(first[2], 0.5f / 1.5f);
-    QCOMPARE(second[2], 1.0f / 1.5f);
+    const auto weights = normalised({1.5f, 0.25f, 0.5f}, {1.0f, 0.25f, 1.5f}, 1);
+    QCOMPARE(weights[0], Floats({0.5f, 0.5f, 0.5f / 1.5f}));
+    QCOMPARE(weights[1], Floats({0.5f, 0.5f, 1.0f / 1.5f}));
 }
 
 void TestFusionSteps::negativeWeightsStay()
 {
-    float first[] = {-0.5f};
-    float second[] = {1.0f};
-    normaliseWeights(first, second, 1, 1);
-    QCOMPARE(first[0], -1.0f);
-    QCOMPARE(second[0], 2.0f);
+    const auto weights = normalised({-0.5f}, {1.0f}, 1);
+    QCOMPARE(weights[0], Floats({-1.0f}));
+    QCOMPARE(weights[1], Floats({2.0f}));
+}
+
+void TestFusionSteps::sumOfZeroIsNotGuarded()
+{
+    const auto weights = normalised({-1.0f, 0.0f}, {1.0f, 0.0f}, 1);
+    QVERIFY(std::isinf(weights[0][0]) && weights[0][0] < 0);
+    QVERIFY(std::isinf(weights[1][0]) && weights[1][0] > 0);
+    QVERIFY(std::isnan(weights[0][1]) && std::isnan(weights[1][1]));
 }
 
 void TestFusionSteps::secondModeClampsWithoutDividing()
 {
-    float first[] = {1.5f, 0.25f};
-    float second[] = {0.5f, 0.25f};
-    normaliseWeights(first, second, 2, 2);
-    QCOMPARE(first[0], 1.0f);
-    QCOMPARE(second[0], 0.5f);
-    QCOMPARE(first[1], 0.25f);
-    QCOMPARE(second[1], 0.25f);
+    const auto weights = normalised({1.5f, 0.25f}, {0.5f, 0.25f}, 2);
+    QCOMPARE(weights[0], Floats({1.0f, 0.25f}));
+    QCOMPARE(weights[1], Floats({0.5f, 0.25f}));
 }
 
 void TestFusionSteps::otherModesLeaveTheWeights()
 {
-    float first[] = {1.5f};
-    float second[] = {0.5f};
-    normaliseWeights(first, second, 1, 0);
-    QCOMPARE(first[0], 1.5f);
-    QCOMPARE(second[0], 0.5f);
+    const auto weights = normalised({1.5f}, {0.5f}, 0);
+    QCOMPARE(weights[0], Floats({1.5f}));
+    QCOMPARE(weights[1], Floats({0.5f}));
 }
 
 void TestFusionSteps::resultIsRoundedAndSaturated()
@@ -346,22 +383,14 @@ void TestFusionSteps::everyStepIsTheLiteralOne()
     QFETCH(cv::Mat, first);
     QFETCH(cv::Mat, second);
     const Pair frames = {first, second};
-    const cv::Size size = first.size();
     literal::Trace trace;
     const cv::Mat expected = literallyFused(frames, 1, &trace);
     for (size_t i = 0; i < 2; ++i) {
         QCOMPARE(sharpness(frames[i]), literal::sharpness(frames[i]));
-        COMPARE_PICTURES(
-            banded(size, CV_32F, [&](cv::Range rows) { return logGray(frames[i], rows); }),
-            trace.logGray[i]);
-        const cv::Mat gradient = gradientOf(frames[i]);
-        COMPARE_PICTURES(gradient, trace.gradient[i]);
-        COMPARE_PICTURES(
-            banded(size, CV_32F, [&](cv::Range rows) { return maxFilter(gradient, rows, 5); }),
-            trace.maximum[i]);
-        COMPARE_PICTURES(
-            banded(size, CV_32F, [&](cv::Range rows) { return saliency(gradient, rows); }),
-            trace.saliency[i]);
+        COMPARE_PICTURES(logGrayOf(frames[i]), trace.logGray[i]);
+        COMPARE_PICTURES(gradientOf(frames[i]), trace.gradient[i]);
+        COMPARE_PICTURES(maximumOf(trace.gradient[i]), trace.maximum[i]);
+        COMPARE_PICTURES(saliencyOf(trace.gradient[i]), trace.saliency[i]);
     }
     COMPARE_PICTURES(fused(frames), expected);
 }
