@@ -36,6 +36,14 @@ constexpr RecordSetter recordSetters[drawPropertyCount] = {
     &Base::setLineDistance2,
 };
 
+/// Hands a property to a record. The setter is taken out of its array first: the bounds sanitizer
+/// of GCC 12 reads an unset index where a member is called through an array element.
+void applySetting(Base *record, DrawProperty key, const QVariant &value)
+{
+    const RecordSetter setter = recordSetters[key];
+    (record->*setter)(value);
+}
+
 /// Types whose geometry depends on distances in a real unit: the lines and the ring.
 bool hasDistances(const Base *record) { return record->type() <= 3 || record->type() == 10; }
 
@@ -69,7 +77,7 @@ Base *MainScene::makeRecord(int type)
     if (!record)
         return nullptr;
     for (int key = PointWidth; key <= TextColor; ++key)
-        (record->*recordSetters[key])(drawProperties.value(DrawProperty(key)));
+        applySetting(record, DrawProperty(key), drawProperties.value(DrawProperty(key)));
     return record;
 }
 
@@ -108,7 +116,7 @@ void MainScene::setDrawProperty(DrawProperty key, const QVariant &value)
     drawProperties[key] = value;
     if (key >= 0 && key < drawPropertyCount && recordSetters[key]) {
         for (Base *record : qAsConst(items_))
-            (record->*recordSetters[key])(value);
+            applySetting(record, key, value);
     }
     if (key == DrawCrossWidth || key == DrawCrossColor) {
         for (GraphicsCross *line : qAsConst(crossLines_))
@@ -199,7 +207,7 @@ void MainScene::placePoint(QPointF pos)
     current_->setImageScale(imageScale_);
     // Each distance reaches the ring or the lines alone.
     for (DrawProperty key : {RingDistance1, RingDistance2, LineDistance1, LineDistance2})
-        (current_->*recordSetters[key])(drawProperties.value(key));
+        applySetting(current_, key, drawProperties.value(key));
 }
 
 void MainScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
