@@ -32,7 +32,8 @@ DrawSettingDialog::DrawSettingDialog(QWidget *parent)
         showNumber(box, stored[key], stored[key].toInt());
     };
     const auto showDouble = [&](QDoubleSpinBox *box, DrawProperty key) {
-        showNumber(box, stored[key], stored[key].toDouble());
+        const double number = stored[key].toDouble();
+        showNumber(box, stored[key], qIsNaN(number) ? 0.0 : number);
     };
     const auto showColour = [&](QPushButton *button, DrawProperty key) {
         button->setStyleSheet(colourSheet(stored[key].value<QColor>()));

@@ -52,6 +52,7 @@ private slots:
     void valuesOutsideTheRangeAreClampedInTheFileToo_data();
     void valuesOutsideTheRangeAreClampedInTheFileToo();
     void aValueThatIsNoColourShowsBlack();
+    void aDistanceThatIsNoNumberShowsZero();
     void rangesAndSteps_data();
     void rangesAndSteps();
     void aSpinBoxStoresAndAnnounces_data();
@@ -169,6 +170,14 @@ void TestDrawSettingDialog::aValueThatIsNoColourShowsBlack()
     Form f;
     QCOMPARE(f.button("pushButton")->styleSheet(), QString("background-color: rgb(0,0,0)"));
     QCOMPARE(f.button("pushButton_2")->styleSheet(), QString("background-color: rgb(0,0,0)"));
+}
+
+void TestDrawSettingDialog::aDistanceThatIsNoNumberShowsZero()
+{
+    directory->write("config.ini", "[draw]\nLineDistance1=nan\nRingDistance1=far\n");
+    Form f;
+    QCOMPARE(f.control<QDoubleSpinBox>("doubleSpinBox_3")->value(), 0.0);
+    QCOMPARE(f.control<QDoubleSpinBox>("doubleSpinBox")->value(), 0.0);
 }
 
 void TestDrawSettingDialog::rangesAndSteps_data()
