@@ -188,7 +188,7 @@ private slots:
         Station station;
         QTRY_COMPARE(station.rows().size(), 2);
         int ends = 0;
-        connect(&station.camera, &QThread::finished, this, [&ends] { ++ends; });
+        connect(&station.camera, &QThread::finished, &station.log, [&ends] { ++ends; });
         station.click(0);
         QVERIFY(station.nextFrames());
         station.log.said.clear();
