@@ -32,10 +32,7 @@ void DeviceInfoWidget::setInfo(int number, int index_, const QString &name, cons
 
 bool DeviceInfoWidget::isChecked() const { return ui->radioButton->isChecked(); }
 
-void DeviceInfoWidget::setChecked(bool checked)
-{
-    ui->radioButton->setChecked(checked);
-}
+void DeviceInfoWidget::setChecked(bool checked) { ui->radioButton->setChecked(checked); }
 
 QString DeviceInfoWidget::name() const { return ui->label_2->text(); }
 
