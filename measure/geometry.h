@@ -68,7 +68,7 @@ double pathLength(const QPainterPath &path);
 /// Area by the shoelace rule, never negative; 0 below three vertices.
 double polygonArea(const QVector<QPointF> &vertices);
 
-/// Wing points of an arrow head, 20 units long at 60 degrees to the shaft.
+/// Wing points of an arrow head, 20 units long at 30 degrees to the shaft.
 struct ArrowHead
 {
     QPointF first;
