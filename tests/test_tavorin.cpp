@@ -548,7 +548,7 @@ void TestTavorin::styleSheetsReferToResourcesThatExist()
             QVERIFY2(QFile::exists(file), qPrintable(file));
         }
     }
-    QCOMPARE(count, 4);
+    QCOMPARE(count, 5);
 }
 
 void TestTavorin::coloursAreThoseOfTheHouse_data()
