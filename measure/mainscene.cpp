@@ -51,7 +51,11 @@ bool hasDistances(const Base *record) { return record->type() <= 3 || record->ty
 
 MainScene::MainScene(QObject *parent)
     : QGraphicsScene(parent)
-{}
+{
+    // 1024 cells of a page. By itself the index would keep the few cells that suit an empty page,
+    // and every repaint would ask a good part of a thousand shapes.
+    setBspTreeDepth(10);
+}
 
 // The items go with their records: the toolkit must find an empty scene when it takes it down.
 MainScene::~MainScene()
