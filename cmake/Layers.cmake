@@ -52,6 +52,10 @@ function(add_unit_test name)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
     target_compile_definitions(${name} PRIVATE
         TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data" SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+    if(TAVORIN_SANITIZE STREQUAL "thread")
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/tsanqt.cpp)
+        target_link_libraries(${name} PRIVATE ${CMAKE_DL_LIBS})
+    endif()
     set_target_properties(${name} PROPERTIES AUTOMOC ON
         RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
     if(TEST_XVFB)
