@@ -28,6 +28,7 @@
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -89,7 +90,7 @@ const char *root() { return std::getenv("FAKE_V4L2_ROOT"); }
 /// Where a path of the kernel's folder of video nodes leads; others stay.
 std::string redirected(const char *path)
 {
-    static const std::string folder = "/sys/class/video4linux";
+    constexpr std::string_view folder = "/sys/class/video4linux";
     const std::string asked = path ? path : "";
     if (!root() || asked.compare(0, folder.size(), folder) != 0)
         return asked;
