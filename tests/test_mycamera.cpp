@@ -563,7 +563,7 @@ private slots:
         ProcessLoad afterTheTenth;
         for (int cycle = 1; cycle <= 500; ++cycle) {
             const int before = log.frames;
-            QVERIFY(eventually([&] { return log.frames > before; }));
+            QVERIFY(eventually([&] { return camera.isOpen() && log.frames > before; }));
             camera.setCameraInfo(CameraParameter::Brightness, cycle % 100);
             scriptedCapture().attach({});
             QVERIFY(eventually([&] { return !camera.isRunning(); }));
