@@ -561,32 +561,27 @@ private slots:
         CameraLog log(camera);
         camera.cameraChange(0, "usb-1");
         ProcessLoad afterTheTenth;
+        ProcessLoad afterAll;
         for (int cycle = 1; cycle <= 500; ++cycle) {
             const int before = log.frames;
-            QVERIFY(eventually([&] { return camera.isOpen() && log.frames > before; }));
+            QVERIFY(eventually([&] {
+                return camera.isOpen() && log.frames > before && log.said.contains("detect usb-1");
+            }));
             camera.setCameraInfo(CameraParameter::Brightness, cycle % 100);
             scriptedCapture().attach({});
             QVERIFY(eventually([&] { return !camera.isRunning(); }));
             QVERIFY(eventually([&] { return log.said.contains("detect "); }));
-            scriptedCapture().attach({microscope});
+            if (cycle == 10)
+                afterTheTenth = ProcessLoad::atRest();
+            if (cycle == 500)
+                afterAll = ProcessLoad::atRest();
             // The test's own memory.
             log.said.clear();
             scriptedCapture().forgetCalls();
-            if (cycle == 10)
-                afterTheTenth = steadyLoad(camera, log);
+            scriptedCapture().attach({microscope});
         }
-        const ProcessLoad afterAll = steadyLoad(camera, log);
         QVERIFY2(afterAll.standsWhere(afterTheTenth, 64 * 1024),
                  qPrintable(afterTheTenth.text() + " became " + afterAll.text()));
-    }
-
-private:
-    /// What the process holds while the camera streams.
-    static ProcessLoad steadyLoad(const MyCamera &camera, const CameraLog &log)
-    {
-        const int before = log.frames;
-        eventually([&] { return camera.isOpen() && log.frames > before; });
-        return ProcessLoad::now();
     }
 };
 

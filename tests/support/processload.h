@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QString>
+#include <QThread>
 
 #include <malloc.h>
 
@@ -25,8 +27,24 @@ struct ProcessLoad
         return {entries("/proc/self/task"), entries("/proc/self/fd"), heap.uordblks + heap.hblkhd};
     }
 
-    /// Whether it stands where it stood before: same counts, and no more than a few frames' worth
-    /// of small change on the heap.
+    /// The least of each over a moment, with events served: a thread that has just ended may still
+    /// be listed.
+    static ProcessLoad atRest()
+    {
+        ProcessLoad least = now();
+        for (int i = 0; i < 20; ++i) {
+            QCoreApplication::processEvents();
+            QThread::msleep(5);
+            const ProcessLoad sample = now();
+            least.threads = qMin(least.threads, sample.threads);
+            least.descriptors = qMin(least.descriptors, sample.descriptors);
+            least.heapBytes = qMin(least.heapBytes, sample.heapBytes);
+        }
+        return least;
+    }
+
+    /// Whether it stands where it stood before: no more threads and descriptors, and no more on the
+    /// heap than some slack.
     bool standsWhere(const ProcessLoad &before, std::size_t slackBytes) const
     {
         return threads <= before.threads && descriptors <= before.descriptors &&
