@@ -194,7 +194,7 @@ bool benchOpening()
 int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
-    cv::setNumThreads(1); // the conversion is the same on both sides; helpers would blur it
+    cv::setNumThreads(1); // the conversion is the same on both sides; more threads would blur it
     bool passed = benchOpening();
     // The picture of a maximised window on a screen of 1920 x 1080. The other two tell how the
     // ratios move: without scaling there is less work that the overlay could be small against.
