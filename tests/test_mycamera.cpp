@@ -58,6 +58,13 @@ private slots:
         scriptedCapture().setValue(34, 5);
     }
 
+    void restsOfTheProgram()
+    {
+        QCOMPARE(CameraPeriods().retryMs, 1000);
+        QCOMPARE(CameraPeriods().batchMs, 40);
+        QCOMPARE(CameraPeriods().pollMs, 1000);
+    }
+
     // ---- Opening
 
     void constructionWatchesTheDevicesButLeavesTheCaptureAlone()

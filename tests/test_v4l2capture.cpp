@@ -12,8 +12,10 @@
 
 #include <opencv2/core/utils/logger.hpp>
 
+#include <atomic>
 #include <cstdlib>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -388,6 +390,31 @@ private slots:
         QVERIFY(!sharedCapture.set(cv::CAP_PROP_GAIN, 5));
         QVERIFY(!sharedCapture.set(cv::CAP_PROP_ROLL, 5));
         QVERIFY(!sharedCapture.set(cv::CAP_PROP_BACKLIGHT, 5));
+    }
+
+    void readingBackWhileTheDeviceOpensAndClosesIsSafe()
+    {
+        system->plug("microscope", "usb1/1-2", "Orvane_A");
+        std::atomic<bool> over{false};
+        std::thread panel([&over] {
+            while (!over) {
+                const CameraInfo info = readCameraRecord();
+                Q_UNUSED(info)
+                sharedCapture.set(cv::CAP_PROP_GAIN, 5);
+                sharedCapture.set(cv::CAP_PROP_FRAME_WIDTH, 640);
+                sharedCapture.set(cv::CAP_PROP_FRAME_HEIGHT, 480);
+            }
+        });
+        cv::Mat frame;
+        bool allOpened = true;
+        for (int i = 0; i < 20; ++i) {
+            allOpened &= sharedCapture.open(0, captureBackend);
+            sharedCapture >> frame;
+            sharedCapture.release();
+        }
+        over = true;
+        panel.join();
+        QVERIFY(allOpened);
     }
 
     void shutterConvertsToTheKernelsUnits_data()
