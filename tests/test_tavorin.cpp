@@ -1007,7 +1007,7 @@ void TestTavorin::wheelWithControlStepsTheLiveZoom()
     window->show();
     ShowWidget *live = window.addDeadCamera();
     const QSlider *slider = manualFocusAt100(window);
-    QTest::qWait(0);
+    QCoreApplication::processEvents();
     const double fit = live->viewWidth();
     QTest::keyPress(window.get(), Qt::Key_Control);
     turnWheel(live, 120);
@@ -1029,7 +1029,7 @@ void TestTavorin::controlCountsAlsoWhenThePictureHasTheFocus()
     window->show();
     ShowWidget *live = window.addDeadCamera();
     auto *view = live->findChild<QGraphicsView *>();
-    QTest::qWait(0);
+    QCoreApplication::processEvents();
     const double before = live->viewWidth();
     QTest::keyPress(view, Qt::Key_Control);
     turnWheel(view->viewport(), 120);
@@ -1214,7 +1214,7 @@ void TestTavorin::clickFocusReachesTheScene()
     MainWindow window;
     window->show();
     ShowWidget *live = window.addDeadCamera();
-    QTest::qWait(0);
+    QCoreApplication::processEvents();
     QSignalSpy area(live, &ShowWidget::blinkArea);
     window.part("page_2")->findChild<QCheckBox *>("checkBox_14")->setChecked(true);
     SceneMouse(sceneOf(live)).press(QPointF(1, 1));

@@ -4,6 +4,7 @@
 #include "tests/support/messagewatch.h"
 #include "tests/support/modalanswers.h"
 
+#include <QDir>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QSlider>
@@ -84,6 +85,7 @@ private slots:
     void aSecondSweepGetsItsOwnPage();
     void thePanelStartsTheSweepWhereItsSliderStands();
     void thePanelOpensAtTheCamerasFocus();
+    void theDebugSwitchKeepsTheFrames();
     void theWindowClosesDuringASweep();
 
 private:
@@ -255,6 +257,18 @@ void TestTavorinSweep::thePanelOpensAtTheCamerasFocus()
     QCOMPARE(panel->findChild<QSlider *>("horizontalSlider")->value(), 120);
     QCOMPARE(panel->findChild<QSlider *>("horizontalSlider_2")->value(), 120);
     QCOMPARE(panel->findChild<QLineEdit *>("lineEdit")->text(), QString("1"));
+}
+
+void TestTavorinSweep::theDebugSwitchKeepsTheFrames()
+{
+    for (const bool debug : {false, true}) {
+        window.reset();
+        window = std::make_unique<MainWindow>(debug ? "[base]\nisDebug=true\n" : "");
+        QVERIFY(QDir(".").mkdir("d:"));
+        startCamera();
+        Sweep(*window).run({0, 2, 2, 100});
+        QCOMPARE(QDir("d:").entryList({"*.jpg"}).size(), debug ? 2 : 0);
+    }
 }
 
 void TestTavorinSweep::theWindowClosesDuringASweep()

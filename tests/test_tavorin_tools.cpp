@@ -310,7 +310,7 @@ void TestTavorinTools::fitModesActOnTheLivePageOnly()
     MainWindow window;
     window->show();
     const ShowWidget *live = window.addDeadCamera();
-    QTest::qWait(0);
+    QCoreApplication::processEvents();
     QVERIFY(live->viewWidth() < 1920);
     window.part<QComboBox>("comboBox")->setCurrentIndex(3); // 100%
     QCOMPARE(live->viewWidth(), 1920.0);

@@ -72,7 +72,7 @@ void Tavorin::getpix(QPixmap *frame)
 {
     if (livePage)
         livePage->showFrame(frame);
-    openCapturedPage(*frame);
+    openCapturedPage(QPixmap(*frame));
 }
 
 void Tavorin::updateWindow()

@@ -33,7 +33,7 @@ QString chosenFile(QFileDialog &dialog)
 /// @returns the file's name
 QString Tavorin::rememberDirectory(const QString &path)
 {
-    const QString name = path.split('/').last();
+    QString name = path.split('/').last();
     lastDirectory = path.chopped(name.size());
     writeFilePath(lastDirectory);
     return name;
