@@ -38,7 +38,7 @@ QVariant GraphicsCross::itemChange(GraphicsItemChange change, const QVariant &va
 
     emit scene_->crossStatusChanged(nullptr);
     QPointF pos = value.toPointF();
-    (direction_ == 2 ? pos.rx() : pos.ry()) = 0.0;
+    (direction_ == Horizontal ? pos.rx() : pos.ry()) = 0.0;
     const QRectF rect = scene_->sceneRect();
     return rect.contains(pos) && isFinite(pos) ? pos : clampCross(pos, rect.size());
 }

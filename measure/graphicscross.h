@@ -4,13 +4,14 @@
 
 class MainScene;
 
-/// A line of the crosshair grid: horizontal (direction 2) or vertical (1). Moves only across
-/// itself.
+/// A line of the crosshair grid. Moves only across itself.
 class GraphicsCross : public QGraphicsLineItem
 {
 public:
     enum { Type = 0x10004 };
+    enum Direction { Vertical = 1, Horizontal = 2 };
 
+    /// @param direction  a Direction; a line of any other, as a file may tell, has no extent
     GraphicsCross(int direction, MainScene *scene, QGraphicsItem *parent);
 
     int direction() const { return direction_; }

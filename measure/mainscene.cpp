@@ -176,6 +176,8 @@ void MainScene::setItemText(const QString &text)
 
 void MainScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
+    const bool isServed = event->button() == Qt::LeftButton || event->button() == Qt::RightButton;
+    event->setAccepted(isServed);
     if (!loads.isEmpty())
         return;
     if (event->button() == Qt::LeftButton && clickFocus)
@@ -220,11 +222,6 @@ void MainScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
         current_->moveLastPoint(event->scenePos());
     else if (drawType_ == 0)
         QGraphicsScene::mouseMoveEvent(event);
-}
-
-void MainScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
-{
-    QGraphicsScene::mouseReleaseEvent(event);
 }
 
 void MainScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)

@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr int vertical = 1;
-constexpr int horizontal = 2;
-
 QPen crossLinePen(const QColor &color, int width)
 {
     return {color, double(width), Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin};
@@ -20,13 +17,13 @@ QPen crossLinePen(const QColor &color, int width)
 
 } // namespace
 
-void MainScene::setCrossHorCount(int count) { setCrossCount(horizontal, count); }
-void MainScene::setCrossVerCount(int count) { setCrossCount(vertical, count); }
+void MainScene::setCrossHorCount(int count) { setCrossCount(GraphicsCross::Horizontal, count); }
+void MainScene::setCrossVerCount(int count) { setCrossCount(GraphicsCross::Vertical, count); }
 
 /// Builds the lines of one direction anew: they divide the scene in equal parts.
 void MainScene::setCrossCount(int direction, int count)
 {
-    int &counted = direction == horizontal ? crossHorCount_ : crossVerCount_;
+    int &counted = direction == GraphicsCross::Horizontal ? crossHorCount_ : crossVerCount_;
     if (!crossVisible_ || count < 0 || count == counted)
         return;
     counted = count;
@@ -55,9 +52,9 @@ void MainScene::addCross(GraphicsCross *line)
 /// A line runs across the whole scene.
 void MainScene::layOutCross(GraphicsCross *line) const
 {
-    if (line->direction() == horizontal)
+    if (line->direction() == GraphicsCross::Horizontal)
         line->setLine(0.0, 0.0, sceneRect().width(), 0.0);
-    else if (line->direction() == vertical)
+    else if (line->direction() == GraphicsCross::Vertical)
         line->setLine(0.0, 0.0, 0.0, sceneRect().height());
 }
 
@@ -88,9 +85,9 @@ void MainScene::removeCross(GraphicsCross *line)
 {
     if (!crossLines_.removeOne(line))
         return;
-    if (line->direction() == horizontal)
+    if (line->direction() == GraphicsCross::Horizontal)
         --crossHorCount_;
-    else if (line->direction() == vertical)
+    else if (line->direction() == GraphicsCross::Vertical)
         --crossVerCount_;
     delete line;
 }
@@ -107,9 +104,9 @@ void MainScene::loadCross()
         line->setVisible(record.visible);
         crossVisible_ = record.visible;
         addCross(line);
-        if (record.direct == horizontal)
+        if (record.direct == GraphicsCross::Horizontal)
             ++crossHorCount_;
-        else if (record.direct == vertical)
+        else if (record.direct == GraphicsCross::Vertical)
             ++crossVerCount_;
     }
 }
