@@ -33,13 +33,19 @@ void toFrame(const QPixmap &pixmap, cv::Mat &frame)
     }
 }
 
-/// The pixmap of a frame, which keeps its order, unlike with `cvMatToQImage`.
-QPixmap toPixmap(const cv::Mat &frame)
+/// Gives a pixmap the pixels of a frame, whose order it keeps, unlike `cvMatToQImage`. The pixmap's
+/// memory is used again unless somebody else still shows it.
+void toPixmap(const cv::Mat &frame, QPixmap &pixmap)
 {
-    QImage image(frame.cols, frame.rows, QImage::Format_RGB32);
+    QImage image = pixmap.toImage();
+    pixmap = QPixmap();
+    const QSize size(frame.cols, frame.rows);
+    if (!image.isDetached() || image.size() != size || image.format() != QImage::Format_RGB32)
+        image = QImage(size, QImage::Format_RGB32);
+    CV_Assert(!image.isNull());
     cv::Mat pixels(frame.size(), CV_8UC4, image.bits(), size_t(image.bytesPerLine()));
     cv::cvtColor(frame, pixels, cv::COLOR_BGR2BGRA);
-    return QPixmap::fromImage(std::move(image));
+    pixmap = QPixmap::fromImage(std::move(image));
 }
 
 } // namespace
@@ -80,6 +86,7 @@ void PicAnalyse::run()
     if (resultPix.isNull()) {
         msleep(static_cast<unsigned long>(settlingMs));
         resultPix = framePix;
+        sweep.reset();
         return;
     }
     QElapsedTimer sinceStart;
@@ -105,9 +112,7 @@ FusionSweep::Outcome PicAnalyse::fuse()
     }
     toFrame(framePix, frame);
     const FusionSweep::Outcome outcome = sweep.add(frame);
-    if (outcome == FusionSweep::Outcome::Accepted) {
-        QPixmap fused = toPixmap(sweep.result());
-        resultPix.swap(fused);
-    }
+    if (outcome == FusionSweep::Outcome::Accepted)
+        toPixmap(sweep.result(), resultPix);
     return outcome;
 }

@@ -21,5 +21,5 @@ void forEachBand(int rows, const Work &work)
             for (int i = range.start; i < range.end; ++i)
                 work(cv::Range(i * bandRows, i + 1 == bands ? rows : (i + 1) * bandRows), scratch);
         },
-        cv::getNumThreads());
+        cv::getNumThreads() * 8);
 }

@@ -10,6 +10,8 @@ constexpr double logScale = 27.050532016668065;
 constexpr int maximumRadius = 5;
 constexpr int gaussSide = 11;
 constexpr double gaussSigma = 5.0;
+/// Rows whose colours are floats at a time.
+constexpr int convertedRows = 8;
 
 /// The rows and as many around them as the picture has, up to `margin` on each side.
 cv::Range widened(cv::Range rows, int margin, int height)
@@ -51,9 +53,15 @@ void addMagnitudes(const float *a, const float *b, float *sum, int count)
 
 void logGray(const cv::Mat &frame, cv::Range rows, SaliencyBuffers &buffers)
 {
-    auto &[bgr, gray, levels, gx, gy, maxima] = buffers;
-    frame.rowRange(rows).convertTo(bgr, CV_32F);
-    cv::cvtColor(bgr, gray, cv::COLOR_BGR2GRAY); // after the conversion to float: no rounding
+    auto &[bgr, gray, levels, gy] = buffers;
+    gray.create(rows.size(), frame.cols, CV_32F);
+    for (int y = rows.start; y < rows.end; y += convertedRows) {
+        const cv::Range few(y, std::min(y + convertedRows, rows.end));
+        frame.rowRange(few).convertTo(bgr, CV_32F);
+        // After the conversion to float: no rounding to whole levels.
+        cv::cvtColor(bgr, gray.rowRange(few.start - rows.start, few.end - rows.start),
+                     cv::COLOR_BGR2GRAY);
+    }
     gray.convertTo(gray, CV_32F, 1.0, 1.0);
     logOfStretch(gray, levels, rows.end == frame.rows, frame.total());
     levels.convertTo(levels, CV_32F, logScale);
@@ -61,9 +69,9 @@ void logGray(const cv::Mat &frame, cv::Range rows, SaliencyBuffers &buffers)
 
 void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient, SaliencyBuffers &buffers)
 {
-    auto &[bgr, gray, levels, gx, gy, maxima] = buffers;
     const cv::Range around = widened(rows, 1, frame.rows);
     logGray(frame, around, buffers);
+    auto &[bgr, gx, levels, gy] = buffers;
     cv::Sobel(levels, gx, CV_32F, 1, 0);
     cv::Sobel(levels, gy, CV_32F, 0, 1);
     for (int y = rows.start; y < rows.end; ++y)
@@ -85,10 +93,10 @@ void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius)
                dst(cv::Range(inner.start - rows.start, inner.end - rows.start), columns), square);
 }
 
-cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &result, SaliencyBuffers &buffers)
+cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &result, cv::Mat &maxima)
 {
     const cv::Range around = widened(rows, gaussSide / 2, gradient.rows);
-    maxFilter(gradient, around, buffers.maxima, maximumRadius);
-    cv::GaussianBlur(buffers.maxima, result, cv::Size(gaussSide, gaussSide), gaussSigma);
+    maxFilter(gradient, around, maxima, maximumRadius);
+    cv::GaussianBlur(maxima, result, cv::Size(gaussSide, gaussSide), gaussSigma);
     return result.rowRange(rows.start - around.start, rows.end - around.start);
 }

@@ -12,7 +12,10 @@
 /// Working pictures of a band of rows, reused from band to band.
 struct SaliencyBuffers
 {
-    cv::Mat bgr, gray, levels, gx, gy, maxima;
+    cv::Mat bgr;
+    cv::Mat gray; ///< later the gradient along the rows
+    cv::Mat levels;
+    cv::Mat gy;
 };
 
 /// Logarithmic grey levels: 0 stays 0, 255 becomes 150.
@@ -32,7 +35,6 @@ void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient, Salien
 void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius);
 
 /// The saliency of some rows of a picture, from its whole gradient map.
-/// @param result   working picture
-/// @returns these rows of it
-cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &result,
-                 SaliencyBuffers &buffers);
+/// @param result, maxima  working pictures
+/// @returns these rows of the result
+cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &result, cv::Mat &maxima);

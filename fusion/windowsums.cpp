@@ -2,12 +2,16 @@
 
 #include <opencv2/core/hal/intrin.hpp>
 
+#include <algorithm>
+
 namespace {
 
 int mirrored(int y, const cv::Mat &picture)
 {
     return cv::borderInterpolate(y, picture.rows, cv::BORDER_REFLECT);
 }
+
+constexpr int never = -2;
 
 /// columns += in - out, for four columns
 void exchangeFour(double *columns, const cv::v_float32x4 &in, const cv::v_float32x4 &out)
@@ -34,14 +38,14 @@ GuideMeans::GuideMeans(const cv::Mat &guidePicture, const cv::Mat &selectionPict
     , guideSums(guide.cols)
     , productSums(guide.cols)
     , sourceColumns(guide.cols)
+    , refreshed(size_t(blocksFor(guide.cols)), never)
 {
-    cv::Mat noGuide, noSource;
     createPadded(noGuide, {guide.cols, 1}, CV_32F);
     createPadded(noSource, {guide.cols, 1}, CV_8U);
     std::fill_n(noSource.ptr(), blocksFor(guide.cols) * blockSize, inversion);
-    const Row nothing = {noGuide.ptr<float>(), noSource.ptr()};
+    nothing = {noGuide.ptr<float>(), noSource.ptr()};
     for (int y = -windowRadius - 1; y < windowRadius; ++y)
-        exchange(mirroredRow(y), nothing);
+        exchangeSources(mirroredRow(y), nothing);
 }
 
 GuideMeans::Row GuideMeans::mirroredRow(int y) const
@@ -52,38 +56,58 @@ GuideMeans::Row GuideMeans::mirroredRow(int y) const
 
 void GuideMeans::nextRow()
 {
-    exchange(mirroredRow(row + windowRadius), mirroredRow(row - windowRadius - 1));
-    guideSums.columns.mirror();
-    productSums.columns.mirror();
+    ++row;
+    rowIn = mirroredRow(row + windowRadius);
+    rowOut = mirroredRow(row - windowRadius - 1);
+    exchangeSources(rowIn, rowOut);
     sourceColumns.mirror();
     nextBlock = -1;
-    ++row;
 }
 
-void GuideMeans::exchange(const Row &in, const Row &out)
+void GuideMeans::exchangeSources(const Row &in, const Row &out)
 {
-    const int end = blocksFor(guide.cols) * blockSize;
     const auto inverted = cv::v_setall_u8(inversion);
-    for (int x = 0; x < end; x += 16) { // a chosen pixel is 255, that is -1
+    for (int x = 0; x < guide.cols; x += 16) { // a chosen pixel is 255, that is -1
         uchar *sums = sourceColumns.data() + x;
         const auto entering = cv::v_load(in.selection + x) ^ inverted;
         const auto leaving = cv::v_load(out.selection + x) ^ inverted;
         cv::v_store(sums, cv::v_add_wrap(cv::v_sub_wrap(cv::v_load(sums), entering), leaving));
     }
-    const auto invertedMask = cv::v_setall_s32(inversion ? -1 : 0);
-    const auto chosen = [invertedMask](const cv::v_float32x4 &values, const uchar *pixels) {
+}
+
+void GuideMeans::exchangeGuides(int block, const Row &in, const Row &out)
+{
+    const auto inverted = cv::v_setall_s32(inversion ? -1 : 0);
+    const auto chosen = [inverted](const cv::v_float32x4 &values, const uchar *pixels) {
         const auto mask = cv::v_load_expand_q(reinterpret_cast<const schar *>(pixels));
-        return values & cv::v_reinterpret_as_f32(mask ^ invertedMask);
+        return values & cv::v_reinterpret_as_f32(mask ^ inverted);
     };
-    double *guides = guideSums.columns.data();
-    double *products = productSums.columns.data();
-    for (int x = 0; x < end; x += 4) {
+    const int begin = block * blockSize;
+    for (int x = begin; x < begin + blockSize; x += 4) {
         const auto entering = cv::v_load(in.guide + x);
         const auto leaving = cv::v_load(out.guide + x);
-        exchangeFour(guides + x, entering, leaving);
-        exchangeFour(products + x, chosen(entering, in.selection + x),
+        exchangeFour(guideSums.columns.data() + x, entering, leaving);
+        exchangeFour(productSums.columns.data() + x, chosen(entering, in.selection + x),
                      chosen(leaving, out.selection + x));
     }
+}
+
+/// Brings the guide's columns of a block to the current row. Most blocks are not asked for in most
+/// rows; one that was left behind is summed anew.
+void GuideMeans::refresh(int block)
+{
+    int &at = refreshed[size_t(block)];
+    if (at == row)
+        return;
+    if (at == row - 1) {
+        exchangeGuides(block, rowIn, rowOut);
+    } else {
+        std::fill_n(guideSums.columns.data() + block * blockSize, blockSize, 0.0);
+        std::fill_n(productSums.columns.data() + block * blockSize, blockSize, 0.0);
+        for (int y = row - windowRadius; y <= row + windowRadius; ++y)
+            exchangeGuides(block, mirroredRow(y), nothing);
+    }
+    at = row;
 }
 
 BlockKind GuideMeans::sourceAround(int block) const
@@ -128,6 +152,13 @@ void GuideMeans::Sums::meansFrom(int x, float *means)
 void GuideMeans::mean(int block, Block &means)
 {
     const int x = block * blockSize;
+    const int last = blocksFor(guide.cols) - 1;
+    for (int near = std::max(block - 1, 0); near <= std::min(block + 1, last); ++near)
+        refresh(near);
+    if (block == 0 || block >= last - 1) {
+        guideSums.columns.mirror();
+        productSums.columns.mirror();
+    }
     if (block != nextBlock) {
         guideSums.begin(x);
         productSums.begin(x);

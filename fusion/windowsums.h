@@ -95,14 +95,20 @@ private:
         double pair[2];
     };
     Row mirroredRow(int y) const;
-    void exchange(const Row &in, const Row &out);
+    void exchangeSources(const Row &in, const Row &out);
+    void exchangeGuides(int block, const Row &in, const Row &out);
+    void refresh(int block);
 
     cv::Mat guide, selection;
+    cv::Mat noGuide, noSource;
+    Row nothing; ///< a row that adds nothing
     uchar inversion;
-    int row = 0;
+    int row = -1;
+    Row rowIn, rowOut;
     Sums guideSums, productSums;
     MarginRow<uchar> sourceColumns;
-    int nextBlock = -1; ///< the one that the pairs of windows stand at
+    std::vector<int> refreshed; ///< the row that the guide's columns of each block stand at
+    int nextBlock = -1;         ///< the block that the pairs of windows stand at
 };
 
 /// Sums of the guide's squares, each rounded to a float first. They are not exact: they are added

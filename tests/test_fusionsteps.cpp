@@ -104,15 +104,15 @@ cv::Mat gradientOf(const cv::Mat &frame)
 cv::Mat maximumOf(const cv::Mat &gradient)
 {
     return banded(gradient.size(), [&](cv::Range rows, SaliencyBuffers &band) {
-        maxFilter(gradient, rows, band.maxima, 5);
-        return band.maxima;
+        maxFilter(gradient, rows, band.gray, 5);
+        return band.gray;
     });
 }
 
 cv::Mat saliencyOf(const cv::Mat &gradient)
 {
     return banded(gradient.size(), [&](cv::Range rows, SaliencyBuffers &band) {
-        return saliency(gradient, rows, band.gx, band);
+        return saliency(gradient, rows, band.gray, band.levels);
     });
 }
 
