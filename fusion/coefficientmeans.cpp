@@ -120,29 +120,23 @@ const double *CoefficientMeans::sumsOf(int block, int y) const
 
 void CoefficientMeans::nextRow()
 {
-    if (++row > 0)
-        return;
-    for (int y = -windowRadius; y < windowRadius; ++y) {
-        const int inside = mirroredRow(y);
-        for (int block = 0; block < blocks; ++block) {
-            const double *in = sumsOf(block, inside);
-            double *column = columns.data() + block * pairsSize;
-            for (int i = 0; i < pairsSize; ++i)
-                column[i] += in[i];
-            noteEntry(block, kindOf(block, inside));
-        }
+    if (row < 0) {
+        for (int y = -windowRadius; y < windowRadius; ++y)
+            enterRow(mirroredRow(y));
     }
+    ++row;
+    rowIn = mirroredRow(row + windowRadius);
+    rowOut = mirroredRow(row - windowRadius);
 }
 
 BlockKind CoefficientMeans::slide(int block, Block &means)
 {
-    const int rowIn = mirroredRow(row + windowRadius);
     const BlockKind kind = kindOf(block, rowIn);
     if (kind != BlockKind::Mixed && kind == settled[size_t(block)])
         return kind;
 
     const double *in = sumsOf(block, rowIn);
-    const double *out = sumsOf(block, mirroredRow(row - windowRadius));
+    const double *out = sumsOf(block, rowOut);
     double *column = columns.data() + block * pairsSize;
     const auto scale = cv::v_setall_f64(windowScale);
     const auto slidePair = [&](int i) {
@@ -161,6 +155,18 @@ BlockKind CoefficientMeans::slide(int block, Block &means)
     }
     noteEntry(block, kind);
     return BlockKind::Mixed;
+}
+
+/// Adds a row to the columns of the first window.
+void CoefficientMeans::enterRow(int y)
+{
+    for (int block = 0; block < blocks; ++block) {
+        const double *in = sumsOf(block, y);
+        double *column = columns.data() + block * pairsSize;
+        for (int i = 0; i < pairsSize; ++i)
+            column[i] += in[i];
+        noteEntry(block, kindOf(block, y));
+    }
 }
 
 /// Finds out whether the block has settled, now that a row of a kind has entered.

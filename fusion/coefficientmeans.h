@@ -49,6 +49,7 @@ private:
     size_t ringIndex(int block, int y) const;
     BlockKind kindOf(int block, int y) const;
     const double *sumsOf(int block, int y) const;
+    void enterRow(int y);
     void noteEntry(int block, BlockKind kind);
 
     int height;
@@ -62,6 +63,8 @@ private:
     std::vector<BlockKind> ringKinds; ///< AllZero, AllOne: the sums are exactly those of 15 of them
 
     int row = -1;
+    int rowIn = 0;
+    int rowOut = 0;
     std::vector<double> columns;
     std::vector<uchar> equalRows; ///< how many rows of this kind entered last
     std::vector<BlockKind> lastKinds;

@@ -22,7 +22,10 @@ cv::v_float32x4 reciprocal(const cv::v_float32x4 &value)
 
 bool isCalm(const std::array<double, blockSize> &energy)
 {
-    return *std::max_element(energy.begin(), energy.end()) < calmEnergy / windowScale;
+    auto most = cv::v_load(energy.data());
+    for (int i = 2; i < blockSize; i += 2)
+        most = cv::v_max(most, cv::v_load(energy.data() + i));
+    return cv::v_check_all(most < cv::v_setall_f64(calmEnergy / windowScale));
 }
 
 std::array<float, blockSize> meansOf(const std::array<double, blockSize> &sums)

@@ -3,6 +3,8 @@
 #include <opencv2/core/hal/intrin.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
+
 namespace {
 
 /// 150 / ln 256
@@ -82,10 +84,19 @@ void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient, Salien
 void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius)
 {
     CV_Assert(src.rows >= 2 * radius);
-    src.rowRange(rows).copyTo(dst);
     const cv::Range inner(std::max(rows.start, radius), std::min(rows.end, src.rows - radius));
     const cv::Range columns(radius, src.cols - radius);
-    if (inner.start >= inner.end || columns.start >= columns.end)
+    const bool fits = inner.start < inner.end && columns.start < columns.end;
+    dst.create(rows.size(), src.cols, CV_32F);
+    for (int y = rows.start; y < rows.end; ++y) {
+        const float *from = src.ptr<float>(y);
+        float *to = dst.ptr<float>(y - rows.start);
+        const bool crossed = fits && y >= inner.start && y < inner.end;
+        std::copy(from, from + (crossed ? columns.start : src.cols), to);
+        if (crossed)
+            std::copy(from + columns.end, from + src.cols, to + columns.end);
+    }
+    if (!fits)
         return;
     const cv::Mat square =
         cv::getStructuringElement(cv::MORPH_RECT, cv::Size(2 * radius + 1, 2 * radius + 1));

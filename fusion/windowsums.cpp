@@ -29,6 +29,41 @@ cv::v_float32x4 toMeans(const cv::v_float64x2 &first, const cv::v_float64x2 &sec
     return cv::v_cvt_f32(first * scale, second * scale);
 }
 
+/// The running sums along two rows.
+class RowPair
+{
+public:
+    RowPair(const float *upperTerms, const float *lowerTerms)
+        : upper(upperTerms)
+        , lower(lowerTerms)
+        , sum(cv::v_setzero_f64())
+    {
+        for (int x = 0; x < windowSide; ++x)
+            sum += cv::v_float64x2(double(upper[x]), double(lower[x]));
+    }
+
+    /// Stores the sums of the windows that begin at four columns.
+    void sumFour(int x, double *upperSums, double *lowerSums)
+    {
+        cv::v_float32x4 entering[2], leaving[2];
+        cv::v_zip(cv::v_load(upper + x + windowSide), cv::v_load(lower + x + windowSide),
+                  entering[0], entering[1]);
+        cv::v_zip(cv::v_load(upper + x), cv::v_load(lower + x), leaving[0], leaving[1]);
+        for (int i = 0; i < 2; ++i) {
+            const auto even = sum;
+            const auto odd = even + (cv::v_cvt_f64(entering[i]) - cv::v_cvt_f64(leaving[i]));
+            sum = odd + (cv::v_cvt_f64_high(entering[i]) - cv::v_cvt_f64_high(leaving[i]));
+            cv::v_store(upperSums + x + 2 * i, cv::v_combine_low(even, odd));
+            cv::v_store(lowerSums + x + 2 * i, cv::v_combine_high(even, odd));
+        }
+    }
+
+private:
+    const float *upper;
+    const float *lower;
+    cv::v_float64x2 sum;
+};
+
 } // namespace
 
 GuideMeans::GuideMeans(const cv::Mat &guidePicture, const cv::Mat &selectionPicture, bool inverted)
@@ -187,8 +222,8 @@ EnergySums::EnergySums(const cv::Mat &guidePicture)
     squares.fill(MarginRow<float>(guide.cols));
     for (int y = -windowRadius; y < windowRadius; ++y) {
         const double *in = mirroredRow(y);
-        for (int x = 0; x < guide.cols; ++x)
-            columns[size_t(x)] += in[x];
+        for (size_t x = 0; x < columns.size(); ++x)
+            columns[x] += in[x];
     }
 }
 
@@ -203,7 +238,8 @@ const double *EnergySums::mirroredRow(int y)
     return sumsOfRow(inside);
 }
 
-/// Four rows at a time: each addition waits for the one before it, those of other rows do not.
+/// Four rows at a time, as two pairs: each addition waits for the one before it, those of the other
+/// pair do not.
 void EnergySums::sumFourRows(int y)
 {
     std::array<const float *, 4> terms;
@@ -218,24 +254,10 @@ void EnergySums::sumFourRows(int y)
         terms[size_t(i)] = square - windowRadius;
         results[size_t(i)] = sumsOfRow(inside);
     }
-    const auto [a, b, c, d] = terms;
-    const auto [ra, rb, rc, rd] = results;
-    double sa = 0.0, sb = 0.0, sc = 0.0, sd = 0.0;
-    for (int x = 0; x < windowSide; ++x) {
-        sa += double(a[x]);
-        sb += double(b[x]);
-        sc += double(c[x]);
-        sd += double(d[x]);
-    }
-    for (int x = 0; x < guide.cols; ++x) {
-        ra[x] = sa;
-        rb[x] = sb;
-        rc[x] = sc;
-        rd[x] = sd;
-        sa += double(a[x + windowSide]) - double(a[x]);
-        sb += double(b[x + windowSide]) - double(b[x]);
-        sc += double(c[x + windowSide]) - double(c[x]);
-        sd += double(d[x + windowSide]) - double(d[x]);
+    RowPair first(terms[0], terms[1]), second(terms[2], terms[3]);
+    for (int x = 0; x < guide.cols; x += 4) {
+        first.sumFour(x, results[0], results[1]);
+        second.sumFour(x, results[2], results[3]);
     }
 }
 
