@@ -1,5 +1,6 @@
 #include "fusion/fuseframes.h"
 #include "fusion/fusionsweep.h"
+#include "fusion/guidedweights.h"
 #include "fusion/pictureconversion.h"
 #include "fusion/reconstruction.h"
 #include "fusion/rowbands.h"
@@ -9,6 +10,7 @@
 #include "tests/support/literalfusion.h"
 
 #include <opencv2/imgproc.hpp>
+#include <opencv2/ximgproc.hpp>
 
 #include <QtTest>
 
@@ -116,6 +118,37 @@ cv::Mat saliencyOf(const cv::Mat &gradient)
     });
 }
 
+cv::Mat padded(const cv::Mat &picture)
+{
+    cv::Mat result;
+    createPadded(result, picture.size(), picture.type());
+    picture.copyTo(result);
+    return result;
+}
+
+/// The weights of a frame.
+/// @param selection  1 where the frame is chosen, `CV_32F`
+cv::Mat weightsOf(const cv::Mat &guide, const cv::Mat &selection, bool firstFrame,
+                  GuidedWeights::Filter filter)
+{
+    cv::Mat chosen = selection > 0.5;
+    if (firstFrame)
+        chosen = ~chosen;
+    GuidedWeights weights(padded(guide), padded(chosen), firstFrame, filter);
+    cv::Mat result = padded(guide);
+    std::vector<BlockKind> kinds(size_t(blocksFor(guide.cols)));
+    for (int y = 0; y < guide.rows; ++y) {
+        float *row = result.ptr<float>(y);
+        weights.next(row, kinds.data());
+        for (int x = 0; x < guide.cols; ++x) {
+            const BlockKind kind = kinds[size_t(x / blockSize)];
+            if (kind != BlockKind::Mixed && row[x] != (kind == BlockKind::AllOne ? 1.0f : 0.0f))
+                qFatal("A block of weights is of another kind than told");
+        }
+    }
+    return result.clone();
+}
+
 using Floats = std::vector<float>;
 
 /// The two rows of weights after stage norm, at most a block of them.
@@ -163,6 +196,9 @@ private slots:
 
     void everyStepIsTheLiteralOne_data();
     void everyStepIsTheLiteralOne();
+    void streamedWeightsAreTheLibrarysOnAnyGuide_data();
+    void streamedWeightsAreTheLibrarysOnAnyGuide();
+    void streamedFilterIsChosenHere();
     void smallPicturesOfEverySizeFuseLiterally_data();
     void smallPicturesOfEverySizeFuseLiterally();
     void buffersOfAnotherSizeDoNoHarm();
@@ -391,8 +427,61 @@ void TestFusionSteps::everyStepIsTheLiteralOne()
         COMPARE_PICTURES(gradientOf(frames[i]), trace.gradient[i]);
         COMPARE_PICTURES(maximumOf(trace.gradient[i]), trace.maximum[i]);
         COMPARE_PICTURES(saliencyOf(trace.gradient[i]), trace.saliency[i]);
+        for (const auto filter : {GuidedWeights::Filter::Streamed, GuidedWeights::Filter::Library})
+            COMPARE_PICTURES(weightsOf(trace.gradient[i], trace.selection[i], i == 0, filter),
+                             trace.guided[i]);
     }
-    COMPARE_PICTURES(fused(frames), expected);
+    FusionBuffers buffers;
+    std::ostringstream times;
+    cv::Mat out;
+    fuseFrames(frames, out, 1, buffers, times);
+    COMPARE_PICTURES(buffers.selection, cv::Mat(trace.selection[1] > 0.5));
+    for (int i = 0; i < 2; ++i) {
+        // The weights take the place of the gradients, one row higher.
+        cv::Mat weights = buffers.gradients[i];
+        weights.adjustROI(1, -1, 0, 0);
+        COMPARE_PICTURES(weights, trace.weight[size_t(i)]);
+    }
+    COMPARE_PICTURES(out, expected);
+}
+
+void TestFusionSteps::streamedWeightsAreTheLibrarysOnAnyGuide_data()
+{
+    QTest::addColumn<double>("level");
+    QTest::addColumn<double>("spread");
+    QTest::newRow("faint") << 0.0 << 0.01;
+    QTest::newRow("usual") << 0.0 << 80.0;
+    QTest::newRow("strong") << 0.0 << 1200.0;
+    QTest::newRow("constant") << 600.0 << 0.0;
+    // The variance is lost in rounding: weights that are not numbers spread to the right and down.
+    QTest::newRow("strong and even") << 1100.0 << 0.5;
+    QTest::newRow("strong and nearly constant") << 900.0 << 0.001;
+}
+
+void TestFusionSteps::streamedWeightsAreTheLibrarysOnAnyGuide()
+{
+    QFETCH(double, level);
+    QFETCH(double, spread);
+    const cv::Size size(301, 150);
+    cv::Mat guide(size, CV_32F);
+    cv::RNG(1).fill(guide, cv::RNG::UNIFORM, level, level + spread);
+    if (spread == 0.0)
+        guide.setTo(level);
+    cv::Mat selection = cv::Mat::zeros(size, CV_32F);
+    cv::circle(selection, {100, 70}, 40, cv::Scalar(1.0), cv::FILLED);
+    selection.colRange(250, 301).setTo(1.0);
+    cv::Mat expected;
+    cv::ximgproc::guidedFilter(guide, selection, expected, 7, 0.06502499999999999);
+    for (const bool firstFrame : {true, false})
+        COMPARE_PICTURES(weightsOf(guide, selection, firstFrame, GuidedWeights::Filter::Streamed),
+                         expected);
+}
+
+void TestFusionSteps::streamedFilterIsChosenHere()
+{
+    if (QSysInfo::buildCpuArchitecture() != "x86_64")
+        QSKIP("On another processor the library's filter may be the right choice");
+    QCOMPARE(GuidedWeights::exactFilter(), GuidedWeights::Filter::Streamed);
 }
 
 void TestFusionSteps::smallPicturesOfEverySizeFuseLiterally_data()
