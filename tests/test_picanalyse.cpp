@@ -44,9 +44,11 @@ QPixmap stackFrame(int index, int count = 6)
 /// Hands a frame over and waits for the end of its analysis.
 QPixmap analysed(PicAnalyse &analysis, const QPixmap &frame)
 {
-    QSignalSpy finished(&analysis, &QThread::finished);
+    QObject onThisThread;
+    bool ended = false;
+    QObject::connect(&analysis, &QThread::finished, &onThisThread, [&ended] { ended = true; });
     analysis.setPix(frame);
-    if (!analysis.wait(60000) || (finished.isEmpty() && !finished.wait(60000)))
+    if (!QTest::qWaitFor([&ended] { return ended; }, 60000))
         qFatal("The analysis does not end");
     return analysis.pix();
 }
