@@ -29,12 +29,6 @@ private:
     int64 last = cv::getTickCount();
 };
 
-struct SelectionBuffers
-{
-    cv::Mat maxima;
-    cv::Mat saliency[2];
-};
-
 /// The weights of a row, which stand in the place of the gradients one row higher.
 float *weightsOf(cv::Mat &gradient, int row)
 {
@@ -59,10 +53,11 @@ void fuseFrames(const std::array<cv::Mat, 2> &frames, cv::Mat &out, int mode,
         for (size_t i = 0; i < 2; ++i)
             gradientMap(frames[i], rows, gradients[i], band);
     });
-    forEachBand<SelectionBuffers>(size.height, [&](cv::Range rows, SelectionBuffers &band) {
+    // Higher bands: each takes rows from around it.
+    using Saliencies = std::array<cv::Mat, 2>;
+    forEachBand<Saliencies, 128>(size.height, [&](cv::Range rows, Saliencies &band) {
         // Of equal values the first frame's wins.
-        cv::compare(saliency(gradients[1], rows, band.saliency[1], band.maxima),
-                    saliency(gradients[0], rows, band.saliency[0], band.maxima),
+        cv::compare(saliency(gradients[1], rows, band[1]), saliency(gradients[0], rows, band[0]),
                     selection.rowRange(rows), cv::CMP_GT);
     });
     times << "S-running time " << stage.seconds() << " sec.";

@@ -2,17 +2,16 @@
 
 #include <opencv2/core.hpp>
 
-/// Rows that are worked on at a time, few enough for a band's pictures to stay in the cache.
-constexpr int bandRows = 64;
-
 /// Calls `work(cv::Range rows, Scratch &scratch)` for every band of a picture's rows, on the
 /// library's threads. What a thread leaves in `scratch` is there again for its next band.
 ///
 /// Bands begin at multiples of `bandRows`; the last one takes the remainder, so that no band of a
-/// higher picture is smaller than `bandRows`. What `work` throws reaches the caller.
-template<typename Scratch, typename Work>
+/// higher picture is smaller. What `work` throws reaches the caller.
+/// @tparam bandRows  few enough for a band's pictures to stay in the cache
+template<typename Scratch, int bandRows = 64, typename Work>
 void forEachBand(int rows, const Work &work)
 {
+    constexpr int stripesPerThread = 8; // for threads of uneven speed
     const int bands = std::max(rows / bandRows, 1);
     cv::parallel_for_(
         cv::Range(0, bands),
@@ -21,5 +20,5 @@ void forEachBand(int rows, const Work &work)
             for (int i = range.start; i < range.end; ++i)
                 work(cv::Range(i * bandRows, i + 1 == bands ? rows : (i + 1) * bandRows), scratch);
         },
-        cv::getNumThreads() * 8);
+        cv::getNumThreads() * stripesPerThread);
 }

@@ -104,10 +104,10 @@ void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius)
                dst(cv::Range(inner.start - rows.start, inner.end - rows.start), columns), square);
 }
 
-cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &result, cv::Mat &maxima)
+cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &buffer)
 {
     const cv::Range around = widened(rows, gaussSide / 2, gradient.rows);
-    maxFilter(gradient, around, maxima, maximumRadius);
-    cv::GaussianBlur(maxima, result, cv::Size(gaussSide, gaussSide), gaussSigma);
-    return result.rowRange(rows.start - around.start, rows.end - around.start);
+    maxFilter(gradient, around, buffer, maximumRadius);
+    cv::GaussianBlur(buffer, buffer, cv::Size(gaussSide, gaussSide), gaussSigma);
+    return buffer.rowRange(rows.start - around.start, rows.end - around.start);
 }

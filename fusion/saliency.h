@@ -35,6 +35,5 @@ void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient, Salien
 void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius);
 
 /// The saliency of some rows of a picture, from its whole gradient map.
-/// @param result, maxima  working pictures
-/// @returns these rows of the result
-cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &result, cv::Mat &maxima);
+/// @param buffer  working picture, which the returned rows belong to
+cv::Mat saliency(const cv::Mat &gradient, cv::Range rows, cv::Mat &buffer);

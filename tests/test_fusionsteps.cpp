@@ -114,7 +114,7 @@ cv::Mat maximumOf(const cv::Mat &gradient)
 cv::Mat saliencyOf(const cv::Mat &gradient)
 {
     return banded(gradient.size(), [&](cv::Range rows, SaliencyBuffers &band) {
-        return saliency(gradient, rows, band.gray, band.levels);
+        return saliency(gradient, rows, band.gray);
     });
 }
 
