@@ -10,13 +10,12 @@ enum class BlockKind : uchar { AllZero, AllOne, Mixed };
 
 constexpr int blocksFor(int width) { return (width + blockSize - 1) / blockSize; }
 
-/// Makes `picture` one whose rows can be read and written up to the end of their last block, and
-/// that has one more row above the first. Keeps it if it already is one of this size.
+/// Makes `picture` one whose rows can be read and written up to the end of their last block. Keeps
+/// it if it already is one of this size.
 inline void createPadded(cv::Mat &picture, cv::Size size, int type)
 {
     if (picture.size() == size && picture.type() == type && picture.isSubmatrix())
         return;
     const int columns = (blocksFor(size.width) + 1) * blockSize;
-    const cv::Mat whole(size.height + 1, columns, type, cv::Scalar());
-    picture = whole(cv::Rect(0, 1, size.width, size.height));
+    picture = cv::Mat(size.height, columns, type, cv::Scalar()).colRange(0, size.width);
 }

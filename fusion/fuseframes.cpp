@@ -7,9 +7,8 @@
 
 #include <opencv2/core.hpp>
 
-#include <atomic>
-#include <cstddef>
 #include <ostream>
+#include <vector>
 
 namespace {
 
@@ -23,17 +22,24 @@ public:
         last = cv::getTickCount();
         return last - since;
     }
-    double seconds() { return double(ticks()) / cv::getTickFrequency(); }
 
 private:
     int64 last = cv::getTickCount();
 };
 
-/// The weights of a row, which stand in the place of the gradients one row higher.
-float *weightsOf(cv::Mat &gradient, int row)
+double seconds(int64 ticks) { return double(ticks) / cv::getTickFrequency(); }
+
+/// A row of one frame's weights.
+struct WeightRow
 {
-    return gradient.ptr<float>() + (row - 1) * ptrdiff_t(gradient.step1());
-}
+    explicit WeightRow(int width)
+        : weights(size_t(blocksFor(width) * blockSize))
+        , kinds(size_t(blocksFor(width)))
+    {}
+
+    std::vector<float> weights;
+    std::vector<BlockKind> kinds;
+};
 
 } // namespace
 
@@ -45,11 +51,11 @@ void fuseFrames(const std::array<cv::Mat, 2> &frames, cv::Mat &out, int mode,
     CV_Assert(frames[1].size() == size);
     StageClock stage;
 
-    auto &[gradients, selection, kinds] = buffers;
+    auto &[gradients, selection] = buffers;
     for (cv::Mat &gradient : gradients)
         createPadded(gradient, size, CV_32F);
     createPadded(selection, size, CV_8U);
-    forEachBand<SaliencyBuffers>(size.height, [&](cv::Range rows, SaliencyBuffers &band) {
+    forEachBand<SaliencyBuffers, 64>(size.height, [&](cv::Range rows, SaliencyBuffers &band) {
         for (size_t i = 0; i < 2; ++i)
             gradientMap(frames[i], rows, gradients[i], band);
     });
@@ -60,40 +66,31 @@ void fuseFrames(const std::array<cv::Mat, 2> &frames, cv::Mat &out, int mode,
         cv::compare(saliency(gradients[1], rows, band[1]), saliency(gradients[0], rows, band[0]),
                     selection.rowRange(rows), cv::CMP_GT);
     });
-    times << "S-running time " << stage.seconds() << " sec.";
+    times << "S-running time " << seconds(stage.ticks()) << " sec.";
 
     const double won = cv::countNonZero(selection);
-    times << "P-running time " << stage.seconds() << " sec.";
+    times << "P-running time " << seconds(stage.ticks()) << " sec.";
     times << "P-running time " << won << " 像素";
 
-    const int blocks = blocksFor(size.width);
-    for (std::vector<BlockKind> &frameKinds : kinds)
-        frameKinds.resize(size_t(blocks * size.height));
-    cv::parallel_for_(cv::Range(0, 2), [&](const cv::Range &range) {
-        for (int i = range.start; i < range.end; ++i) {
-            GuidedWeights filter(gradients[i], selection, i == 0);
-            for (int y = 0; y < size.height; ++y)
-                filter.next(weightsOf(gradients[i], y), &kinds[i][size_t(y * blocks)]);
-        }
-    });
-    times << "Wbd-running time " << stage.seconds() << " sec.";
-
-    // Both remaining stages follow each other on every row; each thread counts its time for them.
-    std::atomic<int64> normalising{0}, reconstructing{0};
+    // The remaining stages follow each other on every row.
+    GuidedWeights filters[] = {GuidedWeights(gradients[0], selection, true),
+                               GuidedWeights(gradients[1], selection, false)};
+    WeightRow rows[] = {WeightRow(size.width), WeightRow(size.width)};
+    int64 filtering = 0, normalising = 0, reconstructing = 0;
     out.create(size, CV_8UC3);
-    forEachBand<StageClock>(size.height, [&](cv::Range rows, StageClock &clock) {
-        for (int y = rows.start; y < rows.end; ++y) {
-            const std::array<float *, 2> weights = {weightsOf(gradients[0], y),
-                                                    weightsOf(gradients[1], y)};
-            const std::array<const BlockKind *, 2> kindsOfRow = {&kinds[0][size_t(y * blocks)],
-                                                                 &kinds[1][size_t(y * blocks)]};
-            normaliseWeights(weights, kindsOfRow, size.width, mode);
-            normalising += clock.ticks();
-            reconstruct({frames[0].ptr(y), frames[1].ptr(y)}, {weights[0], weights[1]}, kindsOfRow,
-                        out.ptr(y), size.width);
-            reconstructing += clock.ticks();
-        }
-    });
-    times << "norm-running time " << double(normalising) / cv::getTickFrequency() << " sec.";
-    times << "lastF-running time " << double(reconstructing) / cv::getTickFrequency() << " sec.";
+    for (int y = 0; y < size.height; ++y) {
+        for (int i = 0; i < 2; ++i)
+            filters[i].next(rows[i].weights.data(), rows[i].kinds.data());
+        filtering += stage.ticks();
+        normaliseWeights({rows[0].weights.data(), rows[1].weights.data()},
+                         {rows[0].kinds.data(), rows[1].kinds.data()}, size.width, mode);
+        normalising += stage.ticks();
+        reconstruct({frames[0].ptr(y), frames[1].ptr(y)},
+                    {rows[0].weights.data(), rows[1].weights.data()},
+                    {rows[0].kinds.data(), rows[1].kinds.data()}, out.ptr(y), size.width);
+        reconstructing += stage.ticks();
+    }
+    times << "Wbd-running time " << seconds(filtering) << " sec.";
+    times << "norm-running time " << seconds(normalising) << " sec.";
+    times << "lastF-running time " << seconds(reconstructing) << " sec.";
 }

@@ -1,19 +1,15 @@
 #pragma once
 
-#include "fusion/blocks.h"
-
 #include <opencv2/core.hpp>
 
 #include <array>
 #include <iosfwd>
-#include <vector>
 
 /// Working pictures of a fusion, kept from one to the next so that a sweep allocates them once.
 struct FusionBuffers
 {
     cv::Mat gradients[2];
     cv::Mat selection;
-    std::vector<BlockKind> kinds[2]; ///< of the weights, row by row
 };
 
 /// Fuses two frames, pixel by pixel, into one that shows each place from the frame that has more

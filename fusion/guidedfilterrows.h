@@ -20,7 +20,7 @@ public:
                      double regularity);
 
     /// The next row of the filtered source, from the top.
-    /// @param filtered  room for whole blocks; may be the guide's row above, which has had its day
+    /// @param filtered  room for whole blocks
     /// @param kinds     what is known of each block
     void next(float *filtered, BlockKind *kinds);
 

@@ -24,7 +24,7 @@ public:
                   Filter filter = exactFilter());
 
     /// The next row, from the top.
-    /// @param weights  room for whole blocks; may be the guide's row above
+    /// @param weights  room for whole blocks
     /// @param blocks   receives what is known of each block of the row
     void next(float *weights, BlockKind *blocks);
 

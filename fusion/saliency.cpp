@@ -13,7 +13,7 @@ constexpr int maximumRadius = 5;
 constexpr int gaussSide = 11;
 constexpr double gaussSigma = 5.0;
 /// Rows whose colours are floats at a time.
-constexpr int convertedRows = 8;
+constexpr int convertedRows = 16;
 
 /// The rows and as many around them as the picture has, up to `margin` on each side.
 cv::Range widened(cv::Range rows, int margin, int height)

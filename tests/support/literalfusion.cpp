@@ -155,6 +155,7 @@ void fuseFrames(const std::vector<cv::Mat> &frames, cv::Mat &out, int mode, Trac
     };
     const size_t n = frames.size();
     const cv::Size size = frames[0].size();
+    ended("");
     std::vector<cv::Mat> E(n), S(n), P, W(n);
 
     for (size_t i = 0; i < n; ++i)
@@ -217,7 +218,7 @@ Outcome Sweep::add(const QPixmap &framePix)
     }
     lastSharpness = value;
     cv::Mat out;
-    fuseFrames(frames, out, 1);
+    fuseFrames(frames, out, 1, nullptr, stageEnded);
     const double a = sharpness(frames[0]);
     const double b = sharpness(out);
     if (!(a + 2.0 < b))

@@ -24,7 +24,8 @@ struct Trace
     std::vector<cv::Mat> weight;
 };
 
-/// Called with the stage's name ("S", "P", "Wbd", "norm", "lastF") when a stage has ended.
+/// Called with an empty name when the fusion begins, then with the stage's name ("S", "P", "Wbd",
+/// "norm", "lastF") when a stage has ended.
 using StageObserver = std::function<void(const char *stage)>;
 
 std::vector<float> slidingMax(const std::vector<float> &values, int window);
@@ -45,6 +46,7 @@ public:
 
     double lastSharpness = 0.0;
     int declineCount = 0;
+    StageObserver stageEnded;
 
 private:
     QPixmap resultPix;
