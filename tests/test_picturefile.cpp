@@ -2,6 +2,7 @@
 #include "workbench/picturefile.h"
 
 #include <QBuffer>
+#include <QDataStream>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QtEndian>
@@ -69,15 +70,13 @@ QByteArray pngHeader(quint32 width, quint32 height)
 
 QByteArray bmpHeader(qint32 width, qint32 height)
 {
-    QByteArray bmp(54, '\0');
-    bmp[0] = 'B';
-    bmp[1] = 'M';
-    bmp[10] = 54;
-    bmp[14] = 40;
-    qToLittleEndian(width, bmp.data() + 18);
-    qToLittleEndian(height, bmp.data() + 22);
-    bmp[26] = 1;
-    bmp[28] = 24;
+    QByteArray bmp;
+    QDataStream out(&bmp, QIODevice::WriteOnly);
+    out.setByteOrder(QDataStream::LittleEndian);
+    out.writeRawData("BM", 2);
+    out << quint32(54) << quint32(0) << quint32(54); // file, reserved, offset of the pixels
+    out << quint32(40) << width << height << quint16(1) << quint16(24);
+    out << quint32(0) << quint32(0) << qint32(0) << qint32(0) << quint32(0) << quint32(0);
     return bmp;
 }
 
