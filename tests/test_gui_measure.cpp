@@ -192,7 +192,7 @@ ShowWidget *TestGuiMeasure::openSpecimen()
 {
     answers->chooseFile(window->writePicture("specimen.png", QSize(800, 600)));
     window->click("open");
-    QCoreApplication::processEvents(); // the layout of the new page
+    QTest::qWait(100); // a page takes changes for edits only some time after it opened
     return window->currentPage();
 }
 
