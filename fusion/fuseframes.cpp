@@ -51,7 +51,8 @@ void fuseFrames(const std::array<cv::Mat, 2> &frames, cv::Mat &out, int mode,
     CV_Assert(frames[1].size() == size);
     StageClock stage;
 
-    auto &[gradients, selection] = buffers;
+    auto &gradients = buffers.gradients;
+    cv::Mat &selection = buffers.selection;
     for (cv::Mat &gradient : gradients)
         createPadded(gradient, size, CV_32F);
     createPadded(selection, size, CV_8U);
