@@ -31,7 +31,8 @@ QImage grayImage(const cv::Mat &mat)
 /// A header over the image's own pixels.
 cv::Mat pixelsOf(QImage &image, int type)
 {
-    return cv::Mat(image.height(), image.width(), type, image.bits(), size_t(image.bytesPerLine()));
+    uchar *bits = image.bits(); // detaches, which may bring the lines closer together
+    return cv::Mat(image.height(), image.width(), type, bits, size_t(image.bytesPerLine()));
 }
 
 } // namespace

@@ -22,6 +22,7 @@ private slots:
     void rgb888SharesAndLeavesTheImageInBgr();
     void indexedImageSharesItsIndices();
     void sharedImageIsDetachedFirst();
+    void sharedImageWithPaddedLinesKeepsItsRows();
     void otherFormatsGiveAnEmptyMat_data();
     void otherFormatsGiveAnEmptyMat();
 };
@@ -170,6 +171,17 @@ void TestPictureConversion::sharedImageIsDetachedFirst()
     qImageToCvMat(image);
     QCOMPARE(shared.pixel(0, 0), qRgb(30, 20, 10));
     QCOMPARE(image.pixel(0, 0), qRgb(10, 20, 30));
+}
+
+void TestPictureConversion::sharedImageWithPaddedLinesKeepsItsRows()
+{
+    // Two lines of a pixel each, 12 bytes apart; detached they are 4 apart.
+    uchar memory[24] = {1, 2, 3, 255, 9, 9, 9, 9, 9, 9, 9, 9, 4, 5, 6, 255};
+    QImage image(memory, 1, 2, 12, QImage::Format_ARGB32);
+    const QImage shared = image;
+    const cv::Mat mat = qImageToCvMat(image);
+    QCOMPARE(mat.at<cv::Vec3b>(0, 0), cv::Vec3b(1, 2, 3));
+    QCOMPARE(mat.at<cv::Vec3b>(1, 0), cv::Vec3b(4, 5, 6));
 }
 
 void TestPictureConversion::otherFormatsGiveAnEmptyMat_data()
