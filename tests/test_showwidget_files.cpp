@@ -22,6 +22,8 @@ private slots:
     void plainEndingsBringNoShapes_data();
     void plainEndingsBringNoShapes();
     void slowTrailerStillMarksNothing();
+    void shapesThatAreFirstPaintedLaterMarkNothing_data();
+    void shapesThatAreFirstPaintedLaterMarkNothing();
     void pageMayCloseWhileItsTrailerLoads();
     void pageMayCloseBeforeItsTrailerLoads();
     void shapesMayGoWhileATrailerLoads();
@@ -204,6 +206,37 @@ void TestShowWidgetFiles::slowTrailerStillMarksNothing()
     QVERIFY(!shown.page.isModified());
     shown.drawLine({10, 40}, {110, 40});
     QVERIFY(shown.page.isModified());
+}
+
+void TestShowWidgetFiles::shapesThatAreFirstPaintedLaterMarkNothing_data()
+{
+    QTest::addColumn<bool>("visible");
+    QTest::newRow("the delay is over before a text is painted") << true;
+    QTest::newRow("the page is shown after the load") << false;
+}
+
+void TestShowWidgetFiles::shapesThatAreFirstPaintedLaterMarkNothing()
+{
+    QFETCH(bool, visible);
+    const WorkingDirectory directory;
+    const QByteArray shapes =
+        R"([{"type":7,"point":[{"x":10,"y":10},{"x":40,"y":30}]},)"
+        R"({"type":6,"point":[{"x":10,"y":100},{"x":110,"y":100},{"x":10,"y":150},)"
+        R"({"x":10,"y":50}]},{"type":15,"text":"note","point":[{"x":5,"y":5},{"x":50,"y":50}]}])";
+    writePng("a.png", trailer(shapes));
+    ShownPage shown;
+    shown.page.setVisible(visible);
+    connect(&shown.scene, &MainScene::itemInsert, this, [] { QThread::msleep(30); });
+    shown.page.openFile("a.png");
+    QTRY_COMPARE(shown.list->count(), 3);
+    QTest::qWait(60);
+    const QStringList rows{"Rect\nWid = 30px\nHei = 20px\nCLen = 100px\nArea = 600px",
+                           "Ang\nAng = 90°", "LText\nnote"};
+    QCOMPARE(shown.rows(), rows);
+    shown.page.show();
+    shown.page.grab();
+    QCOMPARE(shown.rows(), rows);
+    QVERIFY(!shown.page.isModified());
 }
 
 void TestShowWidgetFiles::pageMayCloseWhileItsTrailerLoads()

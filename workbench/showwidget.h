@@ -125,6 +125,7 @@ private:
 
     // showwidget_files.cpp
     void loadAnnotations(const QByteArray &json);
+    void settleRows();
     void passOpeningStep();
     double dotsPerMetre() const;
 

@@ -11,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QPainter>
 #include <QPointer>
 #include <QTextStream>
 #include <QTimer>
@@ -51,8 +52,21 @@ void ShowWidget::loadAnnotations(const QByteArray &json)
     // The load pumps the event queue, in which the page may be closed.
     const QPointer<ShowWidget> page(this);
     scene->loadJson(json);
-    if (page)
-        passOpeningStep();
+    if (!page)
+        return;
+    settleRows();
+    passOpeningStep();
+}
+
+/// Brings labels and rows to their final state. Some shapes measure themselves and a text announces
+/// itself only when it is painted, which may be much later and would then count as a change.
+void ShowWidget::settleRows()
+{
+    QImage nowhere(1, 1, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&nowhere);
+    scene->render(&painter);
+    for (Base *record : scene->items())
+        itemUpdate(record);
 }
 
 void ShowWidget::passOpeningStep()
