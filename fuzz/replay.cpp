@@ -1,5 +1,6 @@
 // Runs a fuzz target over the files of folders, with any compiler: replay <folder>...
 
+#include <QDir>
 #include <QDirIterator>
 #include <QFile>
 
@@ -12,7 +13,7 @@ int main(int argc, char *argv[])
 {
     int files = 0;
     for (int i = 1; i < argc; ++i) {
-        QDirIterator folder(argv[i], QDir::Files);
+        QDirIterator folder(QDir(argv[i]).absolutePath(), QDir::Files);
         while (folder.hasNext()) {
             QFile file(folder.next());
             if (!file.open(QIODevice::ReadOnly))
