@@ -42,11 +42,18 @@ public:
         simulatedMicroscope().attach({});
         if (!configuration.isEmpty())
             directory.write("config.ini", configuration);
-        window = std::make_unique<Tavorin>();
-        camera.reset(window->cameraThread());
+        start();
     }
     ~MainWindow() { window.reset(); }
     Q_DISABLE_COPY(MainWindow)
+
+    /// Ends the program and starts it once more in the same directory.
+    void restart()
+    {
+        window.reset();
+        camera.reset();
+        start();
+    }
 
     Tavorin *operator->() const { return window.get(); }
     Tavorin *get() const { return window.get(); }
@@ -109,6 +116,12 @@ public:
     WorkingDirectory directory;
 
 private:
+    void start()
+    {
+        window = std::make_unique<Tavorin>();
+        camera.reset(window->cameraThread());
+    }
+
     std::unique_ptr<MyCamera> camera; // goes after the window, which does not delete it
     std::unique_ptr<Tavorin> window;
 };
