@@ -136,7 +136,7 @@ QString text(cv::Size size) { return QString("%1 x %2").arg(size.width).arg(size
 MaybeFailure add(const QString &picture, FusionSweep &sweep, QString &line)
 {
     cv::Mat frame;
-    if (const MaybeFailure failure = read(picture, frame))
+    if (MaybeFailure failure = read(picture, frame))
         return failure;
     const cv::Size size = frame.size();
     const cv::Size wanted = sweep.isEmpty() ? size : sweep.result().size();
@@ -164,7 +164,7 @@ MaybeFailure fuse(const Options &options, FusionSweep &sweep)
     Progress progress(options.pictures.size(), options.quiet);
     for (const QString &picture : options.pictures) {
         QString line;
-        if (const MaybeFailure failure = add(picture, sweep, line))
+        if (MaybeFailure failure = add(picture, sweep, line))
             return failure;
         progress.report(line);
     }
