@@ -179,7 +179,7 @@ MaybeFailure write(const cv::Mat &picture, const QString &result)
     QSaveFile file(result);
     if (encoded && file.open(QIODevice::WriteOnly) &&
         file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size())) >= 0 &&
-        file.commit())
+        file.flush() && file.commit()) // the end alone overlooks a buffer that found no room
         return {};
     return Failure{ResultNotWritten, result + ": " + file.errorString()};
 }

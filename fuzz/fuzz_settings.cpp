@@ -17,15 +17,10 @@ void write(const QString &path, const uint8_t *data, size_t size)
         file.write(reinterpret_cast<const char *>(data), qint64(size));
 }
 
-/// The toolkit keeps the last thirty files in memory and takes one that was rewritten with the same
-/// size in the same millisecond for the old one; so the folders take turns.
-void enterNextFolder()
+void enterEmptyFolder()
 {
-    static const QTemporaryDir root;
-    static unsigned turn = 0;
-    const QString folder = root.filePath(QString::number(turn++ % 64));
-    QDir().mkpath(folder);
-    QDir::setCurrent(folder);
+    static const QTemporaryDir folder;
+    QDir::setCurrent(folder.path());
     for (const QString &name : QDir().entryList(QDir::Files))
         QFile::remove(name);
 }
@@ -62,7 +57,7 @@ void compare(const CrossRecords &written, const CrossRecords &read)
 /// whatever else the file holds.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    enterNextFolder();
+    enterEmptyFolder();
     for (const char *name : {"config.ini", "calibration.ini", "corss.ini"})
         write(name, data, size);
 

@@ -4,6 +4,8 @@
 #include <QRegularExpression>
 #include <QSaveFile>
 
+#include <algorithm>
+
 namespace {
 
 constexpr qint64 maximumBytes = 16 * 1024 * 1024;
@@ -36,27 +38,68 @@ QRegularExpression foreignBracket()
                               spelled("DateTime") + "))" + bracket + ours);
 }
 
-} // namespace
-
-QString safeIniFile(const QString &path)
+/// The bytes without what must not reach the toolkit.
+QByteArray madeSafe(const QByteArray &bytes)
 {
-    const QFileInfo info(path);
-    if (!info.exists())
-        return path;
-    QFile file(path);
-    if (!info.isFile() || info.size() > maximumBytes || !file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray bytes = file.readAll();
-    file.close();
+    static const QRegularExpression foreign = foreignBracket();
     // With its length: rubbish holds zeros, at which the other form of the call would stop.
     QString text = QString::fromLatin1(bytes.constData(), bytes.size());
+    return text.contains(foreign) ? text.replace(foreign, "\\1[").toLatin1() : bytes;
+}
 
-    static const QRegularExpression foreign = foreignBracket();
-    if (!text.contains(foreign))
-        return path;
-    QSaveFile safe(path);
-    if (!safe.open(QIODevice::WriteOnly))
-        return {};
-    safe.write(text.replace(foreign, "\\1[").toLatin1());
-    return safe.commit() ? path : QString();
+/// Whether a file has a line for each key. Values hold no line ends, so that what is cut off is
+/// short of a line or of the last one's end.
+bool isWhole(const QByteArray &bytes, int keys)
+{
+    const QByteArrayList lines = bytes.split('\n');
+    const auto isKey = [](const QByteArray &line) {
+        return !line.trimmed().isEmpty() && !line.startsWith('[');
+    };
+    return lines.last().isEmpty() && std::count_if(lines.begin(), lines.end(), isKey) == keys;
+}
+
+bool write(QFileDevice &file, const QByteArray &bytes)
+{
+    // The end of a QSaveFile does not tell whether its buffer could be written.
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+}
+
+} // namespace
+
+IniFile::IniFile(const QString &fileName, Purpose purpose)
+    : path(fileName)
+{
+    const QFileInfo info(path);
+    QFile original(path);
+    QByteArray bytes;
+    if (info.exists()) {
+        if (!info.isFile() || info.size() > maximumBytes || !original.open(QIODevice::ReadOnly)) {
+            settings = std::make_unique<QSettings>(QString(), QSettings::IniFormat);
+            return;
+        }
+        bytes = original.readAll();
+    }
+    const QByteArray safe = madeSafe(bytes);
+    QFile copy(folder.filePath("copy.ini"));
+    isReplaceable = write(copy, safe);
+    QString opened = copy.fileName();
+    if (!isReplaceable) // no room for a copy, but a harmless file can still be read
+        opened = purpose == Read && safe == bytes ? path : QString();
+    settings = std::make_unique<QSettings>(opened, QSettings::IniFormat);
+}
+
+void IniFile::store()
+{
+    if (!isReplaceable)
+        return;
+    isReplaceable = false;
+    const int keys = settings->allKeys().size();
+    QFile copy(settings->fileName());
+    settings.reset(); // writes it
+    if (!copy.open(QIODevice::ReadOnly))
+        return;
+    const QByteArray bytes = copy.readAll();
+    QSaveFile file(path);
+    if (isWhole(bytes, keys) && write(file, bytes))
+        file.commit();
 }

@@ -2,32 +2,25 @@
 
 #include "settings/inifile.h"
 
-#include <QSettings>
-
 namespace {
-
-/// One of the three files, with a group entered for as long as the object lives.
-class SettingsGroup
-{
-public:
-    SettingsGroup(const QString &path, const QString &group)
-        : settings(safeIniFile(path), QSettings::IniFormat)
-    {
-        settings.beginGroup(group);
-    }
-    ~SettingsGroup() { settings.endGroup(); }
-    Q_DISABLE_COPY(SettingsGroup)
-
-    QVariant value(const QString &key) const { return settings.value(key); }
-    void setValue(const QString &key, const QVariant &value) { settings.setValue(key, value); }
-
-private:
-    QSettings settings;
-};
 
 constexpr auto configFile = "./config.ini";
 constexpr auto calibrationFile = "./calibration.ini";
 constexpr auto crossFile = "./corss.ini";
+
+QVariant readConfig(const QString &group, const QString &key)
+{
+    return IniFile(configFile, IniFile::Read)->value(group + '/' + key);
+}
+
+void writeConfig(const QString &group, const QString &key, const QVariant &value)
+{
+    IniFile file(configFile, IniFile::Change);
+    file->beginGroup(group);
+    file->setValue(key, value);
+    file->endGroup();
+    file.store();
+}
 
 CalibrationRecord readCalibration(const QSettings &row)
 {
@@ -83,15 +76,15 @@ template<class Record>
 QList<Record> readArray(const QString &path, const QString &array,
                         Record (*readRow)(const QSettings &))
 {
-    QSettings settings(safeIniFile(path), QSettings::IniFormat);
+    const IniFile file(path, IniFile::Read);
     QList<Record> records;
-    const int size = settings.beginReadArray(array);
-    const int rows = rowsToRead(settings, size);
+    const int size = file->beginReadArray(array);
+    const int rows = rowsToRead(*file, size);
     for (int i = 0; i < rows; ++i) {
-        settings.setArrayIndex(i);
-        records.append(readRow(settings));
+        file->setArrayIndex(i);
+        records.append(readRow(*file));
     }
-    settings.endArray();
+    file->endArray();
     return records;
 }
 
@@ -99,25 +92,28 @@ template<class Record>
 void writeArray(const QString &path, const QString &array, const QList<Record> &records,
                 void (*writeRow)(QSettings &, const Record &))
 {
-    QSettings settings(safeIniFile(path), QSettings::IniFormat);
-    settings.beginWriteArray(array, records.size());
+    IniFile file(path, IniFile::Change);
+    file->beginWriteArray(array, records.size());
     for (int i = 0; i < records.size(); ++i) {
-        settings.setArrayIndex(i);
-        writeRow(settings, records[i]);
+        file->setArrayIndex(i);
+        writeRow(*file, records[i]);
     }
-    settings.endArray();
+    file->endArray();
+    file.store();
 }
 
 } // namespace
 
 DrawProperties readDrawSettings()
 {
-    const SettingsGroup draw(configFile, "draw");
+    const IniFile file(configFile, IniFile::Read);
+    file->beginGroup("draw");
     DrawProperties properties;
     for (int i = 0; i < drawPropertyCount; ++i) {
         const auto key = static_cast<DrawProperty>(i);
-        properties.insert(key, draw.value(drawPropertyName(key)));
+        properties.insert(key, file->value(drawPropertyName(key)));
     }
+    file->endGroup();
     if (properties[QuickSavePath].toString().isEmpty())
         properties[QuickSavePath] = QVariant("D:/");
     return properties;
@@ -125,28 +121,21 @@ DrawProperties readDrawSettings()
 
 void writeDrawSetting(DrawProperty key, const QVariant &value)
 {
-    SettingsGroup draw(configFile, "draw");
     if (const char *name = drawPropertyName(key))
-        draw.setValue(name, value);
+        writeConfig("draw", name, value);
 }
 
-bool readIsDebug()
-{
-    return SettingsGroup(configFile, "base").value("isDebug").toString().contains("true");
-}
+bool readIsDebug() { return readConfig("base", "isDebug").toString().contains("true"); }
 
 void writeIsDebug(bool isDebug)
 {
     // Group "draw", where readIsDebug() does not look: the switch is set by hand alone.
-    SettingsGroup(configFile, "draw").setValue("isDebug", isDebug ? "true" : "false");
+    writeConfig("draw", "isDebug", isDebug ? "true" : "false");
 }
 
-QString readFilePath() { return SettingsGroup(configFile, "base").value("filePath").toString(); }
+QString readFilePath() { return readConfig("base", "filePath").toString(); }
 
-void writeFilePath(const QString &path)
-{
-    SettingsGroup(configFile, "base").setValue("filePath", path);
-}
+void writeFilePath(const QString &path) { writeConfig("base", "filePath", path); }
 
 CalibrationRecords readCalibrations()
 {

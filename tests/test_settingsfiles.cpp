@@ -78,7 +78,9 @@ private slots:
 
     void aHostileValueIsReadAsText_data();
     void aHostileValueIsReadAsText();
+    void aHostileFileIsNotTouchedByReading();
     void aHostileFileCanStillBeWritten();
+    void aFileThatWasRewrittenAtOnceIsReadAnew();
     void aTextThatLooksLikeAValueKeepsItsSecret();
     void rubbishIsNoFile_data();
     void rubbishIsNoFile();
@@ -426,6 +428,23 @@ void TestSettingsFiles::aHostileValueIsReadAsText()
     QVERIFY(!properties[LineColor].value<QColor>().isValid());
     QVERIFY(properties[LineColor].toStringList().last().contains('['));
     QCOMPARE(properties[LineWidth].toInt(), 2);
+}
+
+void TestSettingsFiles::aHostileFileIsNotTouchedByReading()
+{
+    const QByteArray hostile = "[draw]\nLineColor=" + variant(listType, hugeLength) + "\n";
+    directory->write("config.ini", hostile);
+    readDrawSettings();
+    QCOMPARE(directory->read("config.ini"), hostile);
+}
+
+void TestSettingsFiles::aFileThatWasRewrittenAtOnceIsReadAnew()
+{
+    // Of the same size and within the same tick of the file's clock.
+    for (int width = 1; width <= 9; ++width) {
+        directory->write("config.ini", "[draw]\nLineWidth=" + QByteArray::number(width) + "\n");
+        QCOMPARE(readDrawSettings()[LineWidth].toInt(), width);
+    }
 }
 
 void TestSettingsFiles::aHostileFileCanStillBeWritten()

@@ -115,5 +115,7 @@ bool writePicture(const QImage &picture, const QString &path, int quality, doubl
 
     QSaveFile file(path);
     file.setDirectWriteFallback(true);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    // The end alone does not tell whether the file's buffer could be written.
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() &&
+           file.commit();
 }
