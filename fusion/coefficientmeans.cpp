@@ -67,7 +67,7 @@ void CoefficientMeans::blockAdded(BlockKind kind)
         sumAlongRow(addedBlock - 1);
     if (isLast) {
         sumAlongRow(addedBlock);
-        ++addedRow;
+        addedStart = ringStart(++addedRow);
     }
     addedBlock = isLast ? 0 : addedBlock + 1;
 }
@@ -87,7 +87,7 @@ void CoefficientMeans::sumAlongRow(int block)
     const bool alike = kind != BlockKind::Mixed && kinds[size_t(std::max(block - 1, 0))] == kind &&
                        kinds[size_t(std::min(block + 1, blocks - 1))] == kind &&
                        cv::v_check_all(sum == cv::v_load(rowSums[size_t(kind)].data()));
-    const size_t index = ringIndex(block, addedRow);
+    const size_t index = addedStart + size_t(block);
     ringKinds[index] = alike ? kind : BlockKind::Mixed;
     if (!alike) {
         double *sums = ringSums.data() + index * pairsSize;
@@ -100,19 +100,15 @@ void CoefficientMeans::sumAlongRow(int block)
     cv::v_store(runningSum, sum);
 }
 
-size_t CoefficientMeans::ringIndex(int block, int y) const
+size_t CoefficientMeans::ringStart(int y) const { return size_t((y % ringRows) * blocks); }
+
+size_t CoefficientMeans::mirroredStart(int y) const
 {
-    return size_t((y % ringRows) * blocks + block);
+    return ringStart(cv::borderInterpolate(y, height, cv::BORDER_REFLECT));
 }
 
-BlockKind CoefficientMeans::kindOf(int block, int y) const
+const double *CoefficientMeans::sumsAt(size_t index) const
 {
-    return ringKinds[ringIndex(block, y)];
-}
-
-const double *CoefficientMeans::sumsOf(int block, int y) const
-{
-    const size_t index = ringIndex(block, y);
     const BlockKind kind = ringKinds[index];
     return kind == BlockKind::Mixed ? ringSums.data() + index * pairsSize
                                     : rowSums[size_t(kind)].data();
@@ -122,21 +118,21 @@ void CoefficientMeans::nextRow()
 {
     if (row < 0) {
         for (int y = -windowRadius; y < windowRadius; ++y)
-            enterRow(mirroredRow(y));
+            enterRow(mirroredStart(y));
     }
     ++row;
-    rowIn = mirroredRow(row + windowRadius);
-    rowOut = mirroredRow(row - windowRadius);
+    startIn = mirroredStart(row + windowRadius);
+    startOut = mirroredStart(row - windowRadius);
 }
 
 BlockKind CoefficientMeans::slide(int block, Block &means)
 {
-    const BlockKind kind = kindOf(block, rowIn);
+    const BlockKind kind = ringKinds[startIn + size_t(block)];
     if (kind != BlockKind::Mixed && kind == settled[size_t(block)])
         return kind;
 
-    const double *in = sumsOf(block, rowIn);
-    const double *out = sumsOf(block, rowOut);
+    const double *in = sumsAt(startIn + size_t(block));
+    const double *out = sumsAt(startOut + size_t(block));
     double *column = columns.data() + block * pairsSize;
     const auto scale = cv::v_setall_f64(windowScale);
     const auto slidePair = [&](int i) {
@@ -158,14 +154,15 @@ BlockKind CoefficientMeans::slide(int block, Block &means)
 }
 
 /// Adds a row to the columns of the first window.
-void CoefficientMeans::enterRow(int y)
+void CoefficientMeans::enterRow(size_t start)
 {
     for (int block = 0; block < blocks; ++block) {
-        const double *in = sumsOf(block, y);
+        const size_t index = start + size_t(block);
+        const double *in = sumsAt(index);
         double *column = columns.data() + block * pairsSize;
         for (int i = 0; i < pairsSize; ++i)
             column[i] += in[i];
-        noteEntry(block, kindOf(block, y));
+        noteEntry(block, ringKinds[index]);
     }
 }
 
@@ -180,9 +177,4 @@ void CoefficientMeans::noteEntry(int block, BlockKind kind)
         kind != BlockKind::Mixed && rows == windowSide - 1 &&
         std::equal(column, column + pairsSize, settledSums[size_t(kind)].begin());
     settled[size_t(block)] = isSettled ? kind : BlockKind::Mixed;
-}
-
-int CoefficientMeans::mirroredRow(int y) const
-{
-    return cv::borderInterpolate(y, height, cv::BORDER_REFLECT);
 }

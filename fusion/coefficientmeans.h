@@ -45,26 +45,26 @@ private:
 
     void blockAdded(BlockKind kind);
     void sumAlongRow(int block);
-    int mirroredRow(int y) const;
-    size_t ringIndex(int block, int y) const;
-    BlockKind kindOf(int block, int y) const;
-    const double *sumsOf(int block, int y) const;
-    void enterRow(int y);
+    size_t ringStart(int y) const;
+    size_t mirroredStart(int y) const;
+    const double *sumsAt(size_t index) const;
+    void enterRow(size_t start);
     void noteEntry(int block, BlockKind kind);
 
     int height;
     int blocks;
     MarginRow<Pair> pairs;
     std::vector<BlockKind> kinds;
-    int addedRow = 0;   ///< the row that is being added
-    int addedBlock = 0; ///< the block that comes next in it
+    int addedRow = 0;      ///< the row that is being added
+    size_t addedStart = 0; ///< where its blocks begin in the ring
+    int addedBlock = 0;    ///< the block that comes next in it
     double runningSum[2];
     std::vector<double> ringSums;
     std::vector<BlockKind> ringKinds; ///< AllZero, AllOne: the sums are exactly those of 15 of them
 
     int row = -1;
-    int rowIn = 0;
-    int rowOut = 0;
+    size_t startIn = 0; ///< where the blocks of the row that enters begin in the ring
+    size_t startOut = 0;
     std::vector<double> columns;
     std::vector<uchar> equalRows; ///< how many rows of this kind entered last
     std::vector<BlockKind> lastKinds;

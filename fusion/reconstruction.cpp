@@ -112,15 +112,25 @@ void reconstruct(const std::array<const uchar *, 2> &frames,
                  const std::array<const float *, 2> &weights,
                  const std::array<const BlockKind *, 2> &kinds, uchar *out, int count)
 {
-    for (int block = 0; block < blocksFor(count); ++block) {
+    const auto isOneSidedAt = [&](int block) {
+        return isOneSided(kinds[0][block], kinds[1][block]);
+    };
+    const int blocks = blocksFor(count);
+    for (int block = 0; block < blocks;) {
         const int x = block * blockSize;
-        const int pixels = std::min(blockSize, count - x);
-        if (isOneSided(kinds[0][block], kinds[1][block])) {
-            const uchar *frame = frames[kinds[0][block] == BlockKind::AllOne ? 0 : 1];
-            std::memmove(out + 3 * x, frame + 3 * x, size_t(3 * pixels));
+        if (!isOneSidedAt(block)) {
+            addWeighted({frames[0] + 3 * x, frames[1] + 3 * x}, {weights[0] + x, weights[1] + x},
+                        out + 3 * x, std::min(blockSize, count - x));
+            ++block;
             continue;
         }
-        addWeighted({frames[0] + 3 * x, frames[1] + 3 * x}, {weights[0] + x, weights[1] + x},
-                    out + 3 * x, pixels);
+        // As far as it comes from the same frame.
+        const BlockKind first = kinds[0][block];
+        do
+            ++block;
+        while (block < blocks && kinds[0][block] == first && isOneSidedAt(block));
+        const uchar *frame = frames[first == BlockKind::AllOne ? 0 : 1];
+        const int end = std::min(block * blockSize, count);
+        std::memmove(out + 3 * x, frame + 3 * x, size_t(3 * (end - x)));
     }
 }

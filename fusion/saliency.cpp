@@ -1,6 +1,7 @@
 #include "fusion/saliency.h"
 
-#include <opencv2/core/hal/intrin.hpp>
+#include "fusion/gradientmagnitude.h"
+
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -13,7 +14,7 @@ constexpr int maximumRadius = 5;
 constexpr int gaussSide = 11;
 constexpr double gaussSigma = 5.0;
 /// Rows whose colours are floats at a time.
-constexpr int convertedRows = 16;
+constexpr int convertedRows = 8;
 
 /// The rows and as many around them as the picture has, up to `margin` on each side.
 cv::Range widened(cv::Range rows, int margin, int height)
@@ -40,22 +41,11 @@ void logOfStretch(const cv::Mat &values, cv::Mat &result, bool reachesEnd, size_
     last.copyTo(lastOnes(result));
 }
 
-void addMagnitudes(const float *a, const float *b, float *sum, int count)
-{
-    int i = 0;
-#if CV_SIMD128
-    for (; i + 4 <= count; i += 4)
-        cv::v_store(sum + i, cv::v_abs(cv::v_load(a + i)) + cv::v_abs(cv::v_load(b + i)));
-#endif
-    for (; i < count; ++i)
-        sum[i] = std::abs(a[i]) + std::abs(b[i]);
-}
-
 } // namespace
 
 void logGray(const cv::Mat &frame, cv::Range rows, SaliencyBuffers &buffers)
 {
-    auto &[bgr, gray, levels, gy] = buffers;
+    auto &[bgr, gray, levels] = buffers;
     gray.create(rows.size(), frame.cols, CV_32F);
     for (int y = rows.start; y < rows.end; y += convertedRows) {
         const cv::Range few(y, std::min(y + convertedRows, rows.end));
@@ -73,12 +63,7 @@ void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient, Salien
 {
     const cv::Range around = widened(rows, 1, frame.rows);
     logGray(frame, around, buffers);
-    auto &[bgr, gx, levels, gy] = buffers;
-    cv::Sobel(levels, gx, CV_32F, 1, 0);
-    cv::Sobel(levels, gy, CV_32F, 0, 1);
-    for (int y = rows.start; y < rows.end; ++y)
-        addMagnitudes(gx.ptr<float>(y - around.start), gy.ptr<float>(y - around.start),
-                      gradient.ptr<float>(y), frame.cols);
+    gradientMagnitude(buffers.levels, rows - around.start, gradient.rowRange(rows));
 }
 
 void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius)

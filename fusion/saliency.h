@@ -13,9 +13,8 @@
 struct SaliencyBuffers
 {
     cv::Mat bgr;
-    cv::Mat gray; ///< later the gradient along the rows
+    cv::Mat gray;
     cv::Mat levels;
-    cv::Mat gy;
 };
 
 /// Logarithmic grey levels: 0 stays 0, 255 becomes 150.

@@ -1,5 +1,6 @@
 #include "fusion/fuseframes.h"
 #include "fusion/fusionsweep.h"
+#include "fusion/gradientmagnitude.h"
 #include "fusion/guidedweights.h"
 #include "fusion/pictureconversion.h"
 #include "fusion/reconstruction.h"
@@ -201,6 +202,7 @@ private slots:
     void streamedFilterIsChosenHere();
     void smallPicturesOfEverySizeFuseLiterally_data();
     void smallPicturesOfEverySizeFuseLiterally();
+    void picturesOfTooFewRowsHaveTheirSharpnessAndGradient();
     void buffersOfAnotherSizeDoNoHarm();
     void everyModeFusesLiterally_data();
     void everyModeFusesLiterally();
@@ -489,10 +491,38 @@ void TestFusionSteps::smallPicturesOfEverySizeFuseLiterally()
 {
     QFETCH(int, rows);
     for (int columns = 1; columns <= 40; ++columns) {
-        const cv::Mat surface = focusstack::surface({columns, rows}, unsigned(columns));
-        const Pair frames = {focusstack::frame(surface, 0, 3), focusstack::frame(surface, 1, 3)};
-        QCOMPARE(sharpness(frames[1]), literal::sharpness(frames[1]));
-        COMPARE_PICTURES(fused(frames), literallyFused(frames));
+        const cv::Size size(columns, rows);
+        const cv::Mat surface = focusstack::surface(size, unsigned(columns));
+        const cv::Mat flat(size, CV_8UC3, cv::Scalar(40, 90, 160));
+        const Pair pairs[] = {{focusstack::frame(surface, 0, 3), focusstack::frame(surface, 1, 3)},
+                              {flat, noise(size, unsigned(columns))},
+                              {stripes(size, 6, true), stripes(size, 4, false)}};
+        for (const Pair &frames : pairs) {
+            const cv::Mat expected = literallyFused(frames);
+            for (int threads : {1, 2}) {
+                cv::setNumThreads(threads);
+                COMPARE_PICTURES(fused(frames), expected);
+                QCOMPARE(sharpness(frames[1]), literal::sharpness(frames[1]));
+            }
+        }
+    }
+}
+
+void TestFusionSteps::picturesOfTooFewRowsHaveTheirSharpnessAndGradient()
+{
+    for (int rows = 1; rows <= 9; ++rows) {
+        for (int columns = 1; columns <= 40; ++columns) {
+            const cv::Mat frame = noise({columns, rows}, unsigned(columns));
+            QCOMPARE(sharpness(frame), literal::sharpness(frame));
+            cv::Mat levels(frame.size(), CV_32F), gx, gy, expected;
+            cv::RNG(unsigned(rows)).fill(levels, cv::RNG::UNIFORM, 0.0, 150.0);
+            cv::Sobel(levels, gx, CV_32F, 1, 0);
+            cv::Sobel(levels, gy, CV_32F, 0, 1);
+            cv::add(cv::abs(gx), cv::abs(gy), expected);
+            cv::Mat actual(frame.size(), CV_32F);
+            gradientMagnitude(levels, {0, rows}, actual);
+            COMPARE_PICTURES(actual, expected);
+        }
     }
 }
 
@@ -557,6 +587,10 @@ void TestFusionSteps::picturesFuseLiterally_data()
     }();
     const cv::Mat large = focusstack::surface({1920, 1080}, 13);
     QTest::newRow("full frame") << focusstack::frame(large, 2, 6) << focusstack::frame(large, 3, 6);
+    QTest::newRow("full frame, flat under noise")
+        << cv::Mat(large.size(), CV_8UC3, cv::Scalar::all(70)) << noise(large.size(), 5);
+    QTest::newRow("full frame, stripes under focus stack")
+        << stripes(large.size(), 10, true) << focusstack::frame(large, 3, 6);
 }
 
 void TestFusionSteps::picturesFuseLiterally()
