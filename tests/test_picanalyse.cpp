@@ -79,6 +79,8 @@ private slots:
     void pictureOfNineRowsIsNotFused();
     void sweepGoesOnAfterARefusedFrame();
 
+    void everyRunLeavesTheMotorItsTime();
+
     void debugFilesAreNumberedByFramesReceived();
     void failedDebugSaveIsIgnored();
     void withoutDebugSaveNothingIsWritten();
@@ -280,6 +282,20 @@ void TestPicAnalyse::sweepGoesOnAfterARefusedFrame()
         }
         expected.add(stackFrame(i));
         QCOMPARE(analysed(analysis, stackFrame(i)).toImage(), expected.pix().toImage());
+    }
+}
+
+void TestPicAnalyse::everyRunLeavesTheMotorItsTime()
+{
+    // First, dropped four times, skipped, refused: however little there is to do.
+    PicAnalyse analysis;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Frame 7 of the sweep is not fused: "));
+    for (int contrast : {100, 95, 90, 85, 80, 75, 0}) {
+        const QPixmap frame = contrast > 0 ? pixmap(edges(25, contrast)) : QPixmap();
+        QElapsedTimer timer;
+        timer.start();
+        analysed(analysis, frame);
+        QVERIFY(timer.elapsed() >= 100);
     }
 }
 
