@@ -1,71 +1,15 @@
-#include "fusion/fusionwidget.h"
-#include "fusion/picanalyse.h"
-#include "tests/support/mainwindow.h"
+#include "fusion/pictureconversion.h"
+#include "fusion/sharpness.h"
 #include "tests/support/messagewatch.h"
-#include "tests/support/modalanswers.h"
+#include "tests/support/quiet.h"
+#include "tests/support/windowsweep.h"
 
 #include <QDir>
-#include <QLineEdit>
-#include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
-#include <QtTest>
 
-namespace {
-
-constexpr char doneBox[] = "提醒|融合完成";
-
-/// A sweep of the window's: what was shown and sent until the completion message.
-class Sweep
-{
-public:
-    explicit Sweep(const MainWindow &target)
-        : window(target)
-        , progress(target.part("page_4")->findChild<QLineEdit *>("lineEdit_4"))
-        , frames(target->findChild<PicAnalyse *>(), &QThread::finished)
-    {}
-
-    void run(FusionData data)
-    {
-        ModalAnswers answers;
-        answers.expect([this](QWidget *box) {
-            progressAtTheEnd = progress->text();
-            static_cast<QDialog *>(box)->accept();
-        });
-        QObject context;
-        QObject::connect(progress, &QLineEdit::textChanged, &context,
-                         [this](const QString &text) { shown += text; });
-        simulatedMicroscope().takeSets();
-        window->startFusion(data);
-        startWasEnabled = canStart();
-        QTRY_COMPARE_WITH_TIMEOUT(answers.seen(), QStringList(doneBox), 20000);
-        for (const auto &[property, value] : simulatedMicroscope().takeSets()) {
-            if (property == cv::CAP_PROP_FOCUS)
-                positions += int(value);
-            else if (property == cv::CAP_PROP_AUTOFOCUS)
-                autofocus += int(value);
-        }
-    }
-
-    QPushButton *startButton() const
-    {
-        return window.part("page_4")->findChild<QPushButton *>("pushButton");
-    }
-
-    /// The panel itself is disabled while a picture is shown.
-    bool canStart() const { return startButton()->isEnabledTo(window.part("page_4")); }
-
-    const MainWindow &window;
-    QLineEdit *progress;
-    QSignalSpy frames;
-    QStringList shown;
-    QList<int> positions;
-    QSet<int> autofocus;
-    QString progressAtTheEnd;
-    bool startWasEnabled = true;
-};
-
-} // namespace
+using Fault = std::function<void(const MainWindow &)>;
+Q_DECLARE_METATYPE(Fault)
 
 class TestTavorinSweep : public QObject
 {
@@ -83,7 +27,9 @@ private slots:
     void aResultPageThatWasClosedComesAgain();
     void withoutACameraTheSweepRunsItsFullLength();
     void aSecondSweepGetsItsOwnPage();
-    void thePanelStartsTheSweepWhereItsSliderStands();
+    void aSliderMovedMeanwhileSendsTheFocusElsewhere();
+    void noFaultEndsASweep_data();
+    void noFaultEndsASweep();
     void thePanelOpensAtTheCamerasFocus();
     void theDebugSwitchKeepsTheFrames();
     void theWindowClosesDuringASweep();
@@ -111,17 +57,7 @@ void TestTavorinSweep::cleanup()
 }
 
 /// A camera that streams small frames, which are fused quickly.
-void TestTavorinSweep::startCamera()
-{
-    ModalAnswers answers;
-    answers.press(QMessageBox::Ok);
-    simulatedMicroscope().plugIn({"Orvane_A", "a"});
-    emit window->part<DeviceWidget>("page_1")->cameraWork(0, "Orvane_A", "a");
-    QTRY_COMPARE(window->status(), QString("连接成功"));
-    MyCamera *camera = (*window)->cameraThread();
-    camera->setCameraInfo(CameraParameter::Resolution, 4);
-    QTRY_COMPARE(camera->currentPixmap().size(), QSize(640, 480));
-}
+void TestTavorinSweep::startCamera() { streamFromCamera(*window, 4, QSize(640, 480)); }
 
 void TestTavorinSweep::aSweepVisitsItsPositions_data()
 {
@@ -148,7 +84,7 @@ void TestTavorinSweep::aSweepVisitsItsPositions()
     QFETCH(QList<int>, positions);
     QFETCH(int, frames);
     startCamera();
-    Sweep sweep(*window);
+    WindowSweep sweep(*window);
     sweep.run({start, end, step, 100});
     QCOMPARE(sweep.positions, positions);
     QCOMPARE(sweep.frames.count(), frames);
@@ -162,7 +98,7 @@ void TestTavorinSweep::progressCountsUpAndEndsAtZero()
     // The wait interval changes nothing.
     for (const int waitMs : {50, 10000}) {
         window->part("page_4")->findChild<QLineEdit *>("lineEdit_4")->setText("before");
-        Sweep sweep(*window);
+        WindowSweep sweep(*window);
         sweep.run({0, 4, 2, waitMs});
         QCOMPARE(sweep.shown, QStringList({"0", "1", "2", "3", "0"}));
         QCOMPARE(sweep.progressAtTheEnd, QString("0"));
@@ -173,7 +109,7 @@ void TestTavorinSweep::progressCountsUpAndEndsAtZero()
 void TestTavorinSweep::theResultGrowsOnAPageOfItsOwn()
 {
     startCamera();
-    Sweep sweep(*window);
+    WindowSweep sweep(*window);
     sweep.run({100, 140, 20, 100});
     QCOMPARE(window->tabs()->count(), 2);
     const ShowWidget *page = window->currentPage();
@@ -189,27 +125,30 @@ void TestTavorinSweep::theResultGrowsOnAPageOfItsOwn()
 void TestTavorinSweep::aResultPageThatWasClosedComesAgain()
 {
     startCamera();
-    Sweep sweep(*window);
-    ModalAnswers answers;
-    answers.press(QMessageBox::Yes);
-    (*window)->startFusion({100, 160, 20, 100});
-    QTRY_COMPARE(window->tabs()->count(), 2);
-    const QPointer<ShowWidget> first = window->page(1);
-    window->closeTab(1);
-    QTRY_VERIFY(!first);
-    QTRY_COMPARE(window->tabs()->count(), 2);
-    const ShowWidget *second = window->page(1);
-    answers.press(QMessageBox::Ok);
-    QTRY_COMPARE_WITH_TIMEOUT(answers.seen().last(), QString(doneBox), 20000);
+    WindowSweep sweep(*window);
+    const ShowWidget *second = nullptr;
+    sweep.run(
+        [this] {
+            (*window)->startFusion({100, 160, 20, 100});
+        },
+        [&] {
+            QTRY_COMPARE(window->tabs()->count(), 2);
+            const QPointer<ShowWidget> first = window->page(1);
+            window->closeTab(1);
+            QTRY_VERIFY(!first);
+            QTRY_COMPARE(window->tabs()->count(), 2);
+            second = window->page(1);
+        });
     QCOMPARE(window->tabs()->count(), 2);
+    QCOMPARE(window->page(1), second);
     // With the running result so far.
-    QCOMPARE(sceneOf(second).sceneRect(), QRectF(0, 0, 640, 480));
+    QCOMPARE(sweep.result().size(), QSize(640, 480));
     QCOMPARE(sweep.frames.count(), 4);
 }
 
 void TestTavorinSweep::withoutACameraTheSweepRunsItsFullLength()
 {
-    Sweep sweep(*window);
+    WindowSweep sweep(*window);
     sweep.run({0, 4, 2, 100});
     QCOMPARE(sweep.frames.count(), 3);
     QCOMPARE(sweep.positions, QList<int>());
@@ -218,31 +157,76 @@ void TestTavorinSweep::withoutACameraTheSweepRunsItsFullLength()
 
 void TestTavorinSweep::aSecondSweepGetsItsOwnPage()
 {
-    Sweep(*window).run({0, 0, 2, 100});
-    Sweep second(*window);
+    WindowSweep(*window).run({0, 0, 2, 100});
+    WindowSweep second(*window);
     second.run({0, 0, 2, 100});
     QCOMPARE(window->tabs()->count(), 2);
     QCOMPARE(second.frames.count(), 1);
 }
 
-void TestTavorinSweep::thePanelStartsTheSweepWhereItsSliderStands()
+void TestTavorinSweep::aSliderMovedMeanwhileSendsTheFocusElsewhere()
 {
     startCamera();
-    QWidget *panel = window->part("page_4");
-    panel->findChild<QSlider *>("horizontalSlider")->setValue(100);
-    panel->findChild<QSlider *>("horizontalSlider_2")->setValue(130); // moved last: the start
-    panel->findChild<QSpinBox *>("spinBox_3")->setValue(15);
-    QTRY_COMPARE(MyCamera::currentFocus(), 130);
-    simulatedMicroscope().takeSets();
-
-    ModalAnswers answers;
-    answers.press(QMessageBox::Ok);
-    Sweep sweep(*window);
-    sweep.startButton()->click();
-    QVERIFY(!sweep.canStart());
-    QTRY_COMPARE_WITH_TIMEOUT(answers.seen(), QStringList(doneBox), 20000);
+    WindowSweep sweep(*window);
+    sweep.run(
+        [this] {
+            (*window)->startFusion({100, 140, 20, 100});
+        },
+        [&] {
+            QTRY_COMPARE(MyCamera::currentFocus(), 100);
+            sweep.panel->findChild<QSlider *>("horizontalSlider")->setValue(333);
+        });
+    QCOMPARE(sweep.positions, QList<int>({100, 333, 120, 140}));
     QCOMPARE(sweep.frames.count(), 3);
-    QTRY_COMPARE(MyCamera::currentFocus(), 100);
+}
+
+void TestTavorinSweep::noFaultEndsASweep_data()
+{
+    QTest::addColumn<Fault>("fault");
+    QTest::addColumn<bool>("isTold");
+    QTest::newRow("resolution change") << Fault([](const MainWindow &at) {
+        at->cameraThread()->setCameraInfo(CameraParameter::Resolution, 3);
+    }) << true;
+    QTest::newRow("unplugged") << Fault([](const MainWindow &) {
+        simulatedMicroscope().unplug("a");
+    }) << false;
+    QTest::newRow("unplugged and plugged in again") << Fault([](const MainWindow &) {
+        simulatedMicroscope().unplug("a");
+        simulatedMicroscope().plugIn({"Orvane_A", "a"});
+    }) << false;
+    QTest::newRow("empty frame") << Fault([](const MainWindow &) {
+        simulatedMicroscope().giveEmptyFrames(1);
+    }) << false;
+    QTest::newRow("live page closed")
+        << Fault([](const MainWindow &at) { at.closeTab(0); }) << false;
+}
+
+void TestTavorinSweep::noFaultEndsASweep()
+{
+    QFETCH(Fault, fault);
+    QFETCH(bool, isTold);
+    const auto sharpnessOf = [](QImage picture) { return sharpness(qImageToCvMat(picture)); };
+    startCamera();
+    const Quiet quiet;
+    WindowSweep sweep(*window);
+    double before = 0;
+    sweep.run(
+        [this] {
+            (*window)->startFusion({100, 350, 10, 100});
+        },
+        [&] {
+            QTRY_VERIFY(sweep.frames.count() >= 2);
+            before = sharpnessOf(sweep.result());
+            fault(*window);
+        });
+    QCOMPARE(sweep.frames.count(), 26);
+    QCOMPARE(sweep.progressAtTheEnd, QString("0"));
+    QVERIFY(sweep.canStart());
+    // A frame may still have been added, but nothing is lost.
+    QCOMPARE(sweep.result().size(), QSize(640, 480));
+    QVERIFY(before > 0 && sharpnessOf(sweep.result()) >= before);
+    const auto told = quiet.messages().filter(QRegularExpression("^Frame \\d+ of the sweep"));
+    QCOMPARE(!told.isEmpty(), isTold);
 }
 
 void TestTavorinSweep::thePanelOpensAtTheCamerasFocus()
@@ -266,7 +250,7 @@ void TestTavorinSweep::theDebugSwitchKeepsTheFrames()
         window = std::make_unique<MainWindow>(debug ? "[base]\nisDebug=true\n" : "");
         QVERIFY(QDir(".").mkdir("d:"));
         startCamera();
-        Sweep(*window).run({0, 2, 2, 100});
+        WindowSweep(*window).run({0, 2, 2, 100});
         QCOMPARE(QDir("d:").entryList({"*.jpg"}).size(), debug ? 2 : 0);
     }
 }
@@ -274,7 +258,7 @@ void TestTavorinSweep::theDebugSwitchKeepsTheFrames()
 void TestTavorinSweep::theWindowClosesDuringASweep()
 {
     startCamera();
-    Sweep sweep(*window);
+    WindowSweep sweep(*window);
     (*window)->startFusion({0, 400, 1, 100});
     QTRY_VERIFY(sweep.frames.count() >= 1);
 }
