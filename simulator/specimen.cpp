@@ -2,6 +2,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 namespace specimen {
@@ -16,7 +17,18 @@ const cv::Scalar moulding(52, 48, 46);
 const cv::Scalar metal(196, 192, 186);
 const cv::Scalar silkscreen(232, 236, 236);
 
-/// Draws in micrometres onto a picture. Coordinates keep 1/16 of a pixel.
+/// How much of a pixel lies between two limits, along one axis.
+double overlap(double middle, double low, double high)
+{
+    return std::clamp(std::min(middle + 0.5, high) - std::max(middle - 0.5, low), 0.0, 1.0);
+}
+
+/// How much of a pixel lies inside a rounded edge. @param inside  its middle's distance from there
+double covered(double inside) { return std::clamp(inside + 0.5, 0.0, 1.0); }
+
+/// Draws in micrometres onto a picture. Each pixel takes as much of a colour as it is covered, so
+/// that edges lie where the tables say to a fraction of a pixel. (The library's own antialiased
+/// fillings reach most of a pixel over theirs.)
 class Pen
 {
 public:
@@ -28,33 +40,35 @@ public:
 
     void rectangle(const cv::Rect2d &area, const cv::Scalar &colour) const
     {
-        polygon({area.tl(), {area.br().x, area.y}, area.br(), {area.x, area.br().y}}, colour);
+        const cv::Point2d low = inPixels(area.tl());
+        const cv::Point2d high = inPixels(area.br());
+        fill(low, high, colour, [&](cv::Point2d pixel) {
+            return overlap(pixel.x, low.x, high.x) * overlap(pixel.y, low.y, high.y);
+        });
     }
 
     void disc(cv::Point2d centre, double radius, const cv::Scalar &colour) const
     {
-        cv::circle(picture, fixed(centre), cvRound(radius / perPixel * unit), colour, cv::FILLED,
-                   cv::LINE_AA, shift);
-    }
-
-    void polygon(const std::vector<cv::Point2d> &corners, const cv::Scalar &colour) const
-    {
-        std::vector<cv::Point> points;
-        points.reserve(corners.size());
-        for (cv::Point2d corner : corners)
-            points.push_back(fixed(corner));
-        cv::fillConvexPoly(picture, points, colour, cv::LINE_AA, shift);
+        stroke(centre, centre, 2 * radius, colour);
     }
 
     /// A stroke of a width with round ends.
     void stroke(cv::Point2d a, cv::Point2d b, double width, const cv::Scalar &colour) const
     {
-        const cv::Point2d along = b - a;
-        const double length = std::hypot(along.x, along.y);
-        const cv::Point2d side(-along.y / length * width / 2, along.x / length * width / 2);
-        polygon({a + side, b + side, b - side, a - side}, colour);
-        disc(a, width / 2, colour);
-        disc(b, width / 2, colour);
+        const cv::Point2d from = inPixels(a);
+        const cv::Point2d along = inPixels(b) - from;
+        const double radius = width / 2 / perPixel;
+        const cv::Point2d reach(radius + 1, radius + 1);
+        const cv::Point2d to = from + along;
+        const cv::Point2d low(std::min(from.x, to.x), std::min(from.y, to.y));
+        const cv::Point2d high(std::max(from.x, to.x), std::max(from.y, to.y));
+        fill(low - reach, high + reach, colour, [&](cv::Point2d pixel) {
+            const double square = along.dot(along);
+            const double part =
+                square > 0 ? std::clamp((pixel - from).dot(along) / square, 0.0, 1.0) : 0.0;
+            const cv::Point2d off = pixel - from - part * along;
+            return covered(radius - std::hypot(off.x, off.y));
+        });
     }
 
     /// A line of text whose capitals are `height` high, from its lower left corner.
@@ -67,16 +81,26 @@ public:
     }
 
 private:
-    static constexpr int shift = 4;
-    static constexpr double unit = 1 << shift;
+    /// A place in pixels; (0, 0) is the corner of the first one.
+    cv::Point2d inPixels(cv::Point2d point) const { return point / perPixel + middle; }
+    cv::Point pixel(cv::Point2d point) const { return inPixels(point) - cv::Point2d(0.5, 0.5); }
 
-    /// Pixel centres lie at half micrometre steps of a pixel, as the eye sees areas.
-    cv::Point2d inPixels(cv::Point2d point) const
+    /// Blends a colour into all pixels between two corners.
+    /// @param coverage  from 0 to 1, of the pixel whose middle it is given
+    template<class Coverage>
+    void fill(cv::Point2d low, cv::Point2d high, const cv::Scalar &colour, Coverage coverage) const
     {
-        return point / perPixel + middle - cv::Point2d(0.5, 0.5);
+        const cv::Rect box = cv::Rect(cv::Point(cvFloor(low.x), cvFloor(low.y)),
+                                      cv::Point(cvCeil(high.x), cvCeil(high.y))) &
+                             cv::Rect({}, picture.size());
+        for (int y = box.y; y < box.y + box.height; ++y)
+            for (int x = box.x; x < box.x + box.width; ++x) {
+                const double part = coverage({x + 0.5, y + 0.5});
+                auto &value = picture.at<cv::Vec3b>(y, x);
+                for (int i = 0; i < 3; ++i)
+                    value[i] = cv::saturate_cast<uchar>(value[i] + part * (colour[i] - value[i]));
+            }
     }
-    cv::Point pixel(cv::Point2d point) const { return inPixels(point); }
-    cv::Point fixed(cv::Point2d point) const { return inPixels(point) * unit; }
 
     cv::Mat &picture;
     double perPixel;

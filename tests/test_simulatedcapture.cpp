@@ -55,6 +55,7 @@ private slots:
     void aMonochromePictureHasNoColour();
     void unpluggingEndsTheStreamAndPropertiesReadMinusOne();
     void theRulerTicksLieWhereTheTableSays();
+    void padsAndHolesAreAsLargeAsTheTableSays();
 
 private:
     void focusAt(double position);
@@ -254,6 +255,33 @@ void TestSimulatedCapture::theRulerTicksLieWhereTheTableSays()
         if (tick < 60)
             QVERIFY(picture.at<cv::Vec3b>(row, x + 10)[2] < 120);
     }
+}
+
+/// How much of an area the inner colour covers, in pixels: the brightness between the mean of two
+/// places that have one colour alone.
+static double coveredArea(const cv::Mat &picture, const cv::Rect &area, const cv::Rect &inside,
+                          const cv::Rect &outside)
+{
+    const auto brightness = [&](const cv::Rect &part) { return cv::mean(picture(part))[2]; };
+    return (brightness(area) - brightness(outside)) / (brightness(inside) - brightness(outside)) *
+           area.area();
+}
+
+void TestSimulatedCapture::padsAndHolesAreAsLargeAsTheTableSays()
+{
+    // 5 micrometres a pixel. The first pad is 60 wide and 140 high, from (120, 140) on.
+    const cv::Mat picture = specimen::draw({1920, 1080}, 5);
+    const cv::Rect soldermask(80, 100, 30, 200);
+    const double width =
+        coveredArea(picture, {100, 150, 100, 100}, {130, 150, 40, 100}, soldermask) / 100;
+    QVERIFY2(std::abs(width - 60) < 0.2, qPrintable(QString::number(width)));
+    const double height =
+        coveredArea(picture, {130, 110, 40, 190}, {130, 150, 40, 120}, soldermask) / 40;
+    QVERIFY2(std::abs(height - 140) < 0.5, qPrintable(QString::number(height)));
+    // The left hole has a radius of 50, around (240, 680), in copper up to 90.
+    const double hole =
+        coveredArea(picture, {180, 620, 120, 120}, {215, 655, 50, 50}, {160, 670, 25, 20});
+    QVERIFY2(std::abs(hole - 7854) < 40, qPrintable(QString::number(hole)));
 }
 
 QTEST_GUILESS_MAIN(TestSimulatedCapture)
