@@ -175,9 +175,14 @@ MaybeFailure fuse(const Options &options, FusionSweep &sweep)
 MaybeFailure write(const cv::Mat &picture, const QString &result)
 {
     std::vector<uchar> bytes;
-    const bool encoded = cv::imencode(suffixOf(result).toStdString(), picture, bytes);
+    try {
+        cv::imencode(suffixOf(result).toStdString(), picture, bytes);
+    } catch (const cv::Exception &) {
+        const QString message = "%1: its format cannot hold a picture of %2";
+        return Failure{ResultNotWritten, message.arg(result, text(picture.size()))};
+    }
     QSaveFile file(result);
-    if (encoded && file.open(QIODevice::WriteOnly) &&
+    if (file.open(QIODevice::WriteOnly) &&
         file.write(reinterpret_cast<const char *>(bytes.data()), qint64(bytes.size())) >= 0 &&
         file.flush() && file.commit()) // the end alone overlooks a buffer that found no room
         return {};

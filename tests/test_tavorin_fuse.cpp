@@ -89,8 +89,10 @@ private slots:
     void mixedSizesAreRefused();
     void existingResultIsRefusedWithoutForce();
     void resultInNoFolderIsNotWritten();
+    void resultTooLargeForItsFormatIsNotWritten();
     void tooFewRowsAreRefused();
     void failureLeavesNothingBehind();
+    void killLeavesNothingBehind();
 
     void helpNamesEveryOptionOfTheManPage();
 
@@ -292,6 +294,17 @@ void TestTavorinFuse::resultInNoFolderIsNotWritten()
     QVERIFY(run.errors.startsWith("tavorin_fuse: nowhere/result.png: "));
 }
 
+void TestTavorinFuse::resultTooLargeForItsFormatIsNotWritten()
+{
+    cv::imwrite("wide.bmp", cv::Mat(12, 70000, CV_8UC3, cv::Scalar::all(90)));
+    const Run run = fuse({"wide.bmp", "-o", "result.jpg"});
+    QCOMPARE(run.code, 5);
+    QCOMPARE(run.errors, QString("tavorin_fuse: result.jpg: its format cannot hold a picture of "
+                                 "70000 x 12\n"));
+    QVERIFY(!QFile::exists("result.jpg"));
+    QCOMPARE(fuse({"wide.bmp", "-o", "result.png"}).code, 0);
+}
+
 void TestTavorinFuse::tooFewRowsAreRefused()
 {
     cv::imwrite("a.png", frame(0).rowRange(0, 9));
@@ -316,6 +329,26 @@ void TestTavorinFuse::failureLeavesNothingBehind()
     QCOMPARE(QDir().entryList(QDir::Files | QDir::Hidden, QDir::Name), QStringList(names)
                                                                            << "broken.png"
                                                                            << "result.png");
+}
+
+void TestTavorinFuse::killLeavesNothingBehind()
+{
+    const QStringList stack = writeStack();
+    QStringList pictures;
+    for (int i = 0; i < 50; ++i)
+        pictures += stack;
+    directory->write("result.png", "precious");
+    const QStringList before = QDir().entryList(QDir::Files | QDir::Hidden);
+    QProcess process;
+    process.start(TAVORIN_FUSE, QStringList(pictures) << "--force"
+                                                      << "-o"
+                                                      << "result.png");
+    QVERIFY(process.waitForReadyRead(60000)); // in the middle of the work
+    process.kill();
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(directory->read("result.png"), QByteArray("precious"));
+    QCOMPARE(QDir().entryList(QDir::Files | QDir::Hidden), before);
 }
 
 void TestTavorinFuse::helpNamesEveryOptionOfTheManPage()
