@@ -50,7 +50,7 @@ LAYERS = {
     "tour": (
         ["workbench", "pages", "dialogs", "calibration", "sweep", "settings", "measure", "camera",
          "fusion", "pictures", "capture_simulated"],
-        ["simulator/tour*", "simulator/main"],
+        ["simulator/tour*", "simulator/portraits", "simulator/main"],
     ),
     "batch": (["fusion", "pictures"], ["batch/*"]),
 }

@@ -50,6 +50,9 @@ void ShowWidget::createView()
         view = new OverlayView(video->content());
     } else {
         view = new GraphicsView(video);
+        // Around the picture the page's own background shows.
+        video->viewport()->setAutoFillBackground(false);
+        video->content()->setAutoFillBackground(false);
     }
     view->setStyleSheet(QStringLiteral("border: none; background: transparent;"));
 }
