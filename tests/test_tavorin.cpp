@@ -23,6 +23,7 @@
 #include <QSlider>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QTabBar>
 #include <QToolBar>
 #include <QtTest>
 
@@ -55,6 +56,16 @@ void turnWheel(QWidget *receiver, int delta)
     qApp->notify(receiver, &event);
 }
 
+/// What a widget sees of a pointer that comes to rest over it.
+void movePointerOver(QWidget *widget, QPoint pos)
+{
+    widget->setAttribute(Qt::WA_UnderMouse);
+    QHoverEvent hover(QEvent::HoverMove, pos, QPoint(-1, -1));
+    QCoreApplication::sendEvent(widget, &hover);
+    QMouseEvent move(QEvent::MouseMove, pos, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(widget, &move);
+}
+
 /// @returns whether the window agreed to be closed
 bool closeWindow(const MainWindow &window)
 {
@@ -79,6 +90,9 @@ private slots:
 
     // Form
     void toolRowStandsInOrder();
+    void otherRowsStandInOrder();
+    void partsAreOfTheirClasses_data();
+    void partsAreOfTheirClasses();
     void controlsMatchTheForm_data();
     void controlsMatchTheForm();
     void iconButtonsAre32PixelsAndWithoutText();
@@ -97,6 +111,11 @@ private slots:
     void styleSheetsReferToResourcesThatExist();
     void coloursAreThoseOfTheHouse_data();
     void coloursAreThoseOfTheHouse();
+    void coloursUnderThePointer_data();
+    void coloursUnderThePointer();
+    void tabsAreBlueWhenChosenAndWhiteElse();
+    void thePaneIsLinedAndTiled();
+    void theStripTellsWhichWayThePanelGoes();
     void everyControlIsReachedByTab();
 
     // Start
@@ -218,6 +237,68 @@ void TestTavorin::toolRowStandsInOrder()
                      "two_circle text cross"));
     QCOMPARE(window.part("widget")->layout()->objectName(), QString("horizontalLayout_3"));
     QCOMPARE(window->centralWidget()->layout()->count(), 3);
+}
+
+void TestTavorin::otherRowsStandInOrder()
+{
+    MainWindow window;
+    const auto names = [&](const QLayout *layout) {
+        QStringList found;
+        for (int i = 0; i < layout->count(); ++i) {
+            QLayoutItem *item = layout->itemAt(i);
+            found += item->widget()   ? item->widget()->objectName()
+                     : item->layout() ? item->layout()->objectName()
+                                      : QString("spacer");
+        }
+        return found.join(' ');
+    };
+    QCOMPARE(names(window->centralWidget()->layout()),
+             QString("widget horizontalLayout_4 horizontalLayout_7"));
+    QCOMPARE(names(window->findChild<QLayout *>("horizontalLayout_4")),
+             QString("widget_4 stackedWidget widget_5 tabWidget"));
+    QCOMPARE(names(window.part("widget_4")->layout()), QString("leftHide"));
+    QCOMPARE(names(window.part("widget_5")->layout()),
+             QString("deviceManager configManager compose split motorManager comAndSplit spacer"));
+    QCOMPARE(names(window->findChild<QLayout *>("horizontalLayout_7")),
+             QString("statusLabel1 statusLabel2"));
+}
+
+void TestTavorin::partsAreOfTheirClasses_data()
+{
+    QTest::addColumn<QString>("className");
+    const QPair<const char *, const char *> rows[] = {
+        {"widget", "QWidget"},
+        {"zoom", "QComboBox"},
+        {"comboBox", "QComboBox"},
+        {"calibrateCombo", "CaliBrateComboBox"},
+        {"comboBox_2", "QComboBox"},
+        {"widget_4", "QWidget"},
+        {"leftHide", "QPushButton"},
+        {"stackedWidget", "QStackedWidget"},
+        {"page_1", "DeviceWidget"},
+        {"page_2", "CameraSetWidget2"},
+        {"page_4", "FusionWidget"},
+        {"widget_5", "QWidget"},
+        {"deviceManager", "PushButton"},
+        {"configManager", "PushButton"},
+        {"compose", "PushButton"},
+        {"split", "PushButton"},
+        {"motorManager", "PushButton"},
+        {"comAndSplit", "PushButton"},
+        {"tabWidget", "QTabWidget"},
+        {"statusLabel1", "QLabel"},
+        {"statusLabel2", "QLabel"},
+        {"menuBar", "QMenuBar"},
+        {"menu", "QMenu"},
+    };
+    for (const auto &row : rows)
+        QTest::newRow(row.first) << row.second;
+}
+
+void TestTavorin::partsAreOfTheirClasses()
+{
+    MainWindow window;
+    QTEST(QString(window.part(QTest::currentDataTag())->metaObject()->className()), "className");
 }
 
 void TestTavorin::controlsMatchTheForm_data()
@@ -582,6 +663,94 @@ void TestTavorin::coloursAreThoseOfTheHouse()
     const QPoint pixel(place.x() < 0 ? image.width() + place.x() : place.x(),
                        place.y() < 0 ? image.height() + place.y() : place.y());
     QCOMPARE(image.pixelColor(pixel).name(), colour);
+}
+
+void TestTavorin::coloursUnderThePointer_data()
+{
+    QTest::addColumn<QPoint>("place");
+    QTest::addColumn<QString>("colour");
+    QTest::newRow("open") << QPoint(1, 1) << "#dcdce6";
+    QTest::newRow("line") << QPoint(1, 1) << "#dcdce6";
+    QTest::newRow("zoom") << QPoint(0, 8) << "#5a96fa";
+    QTest::newRow("comboBox_2") << QPoint(0, 8) << "#5a96fa";
+    QTest::newRow("calibrateCombo") << QPoint(0, 8) << "#5a96fa";
+}
+
+void TestTavorin::coloursUnderThePointer()
+{
+    QFETCH(QPoint, place);
+    MainWindow window;
+    window.addPicture("page");
+    window->show();
+    window->setFocus();
+    QWidget *part = window.part(QTest::currentDataTag());
+    movePointerOver(part, QPoint(8, 8));
+    QTEST(part->grab().toImage().pixelColor(place).name(), "colour");
+}
+
+void TestTavorin::tabsAreBlueWhenChosenAndWhiteElse()
+{
+    MainWindow window;
+    window.addPicture("first");
+    window.addPicture("second");
+    window->show();
+    window->setFocus();
+    QTabBar *bar = window.tabs()->tabBar();
+    const auto colour = [&](int tab) {
+        return bar->grab().toImage().pixelColor(bar->tabRect(tab).center().x(), 3).name();
+    };
+    QCOMPARE(colour(0), QString("#ffffff"));
+    QCOMPARE(colour(1), QString("#5a96fa"));
+    window.tabs()->setCurrentIndex(0);
+    QCOMPARE(colour(0), QString("#5a96fa"));
+    QCOMPARE(colour(1), QString("#ffffff"));
+
+    // The rule stands; the toolkit does not paint it on tabs of triangular shape.
+    QVERIFY(
+        window.tabs()->styleSheet().contains("QTabBar::tab:hover { background-color: #dcdce6; }"));
+
+    // Ten pixels of padding on both sides of the text's line, which is #435165.
+    QVERIFY(bar->tabRect(1).height() >= 20 + bar->fontMetrics().height());
+    QVERIFY(window.tabs()->styleSheet().contains("color: #435165; padding: 10px;"));
+}
+
+void TestTavorin::thePaneIsLinedAndTiled()
+{
+    MainWindow window;
+    window->show();
+    const QImage pane = window.tabs()->grab().toImage();
+    const int top = pane.height() / 2;
+    QCOMPARE(pane.pixelColor(9, 0).name(), QString("#5a96fa"));
+    QCOMPARE(pane.pixelColor(9, 1).name(), QString("#5a96fa"));
+    QVERIFY(pane.pixelColor(9, 2).name() != QString("#5a96fa"));
+    // The tile comes again after 64 pixels, and is not of one colour.
+    const QImage tile = pane.copy(0, top, 64, 64);
+    QCOMPARE(pane.copy(64, top, 64, 64), tile);
+    QCOMPARE(pane.copy(0, top + 64, 64, 64), tile);
+    QSet<QRgb> colours;
+    for (int y = 0; y < 64; ++y)
+        colours += tile.pixel(40, y);
+    QVERIFY(colours.size() > 1);
+}
+
+void TestTavorin::theStripTellsWhichWayThePanelGoes()
+{
+    MainWindow window;
+    window->show();
+    const auto *strip = window.part<QPushButton>("leftHide");
+    const auto picture = [&] {
+        const auto state = strip->isChecked() ? QIcon::On : QIcon::Off;
+        return strip->icon().pixmap(6, 16, QIcon::Normal, state).toImage();
+    };
+    QVERIFY(QImage(":/pic/left-arrow.png") != QImage(":/pic/right-arrow.png"));
+    QCOMPARE(picture(), QIcon(":/pic/right-arrow.png").pixmap(6, 16).toImage());
+    window.click("leftHide");
+    QCOMPARE(picture(), QIcon(":/pic/left-arrow.png").pixmap(6, 16).toImage());
+    window.click("leftHide");
+    QCOMPARE(picture(), QIcon(":/pic/right-arrow.png").pixmap(6, 16).toImage());
+    // A panel that opens by its own button turns it as well.
+    window.click("deviceManager");
+    QCOMPARE(picture(), QIcon(":/pic/left-arrow.png").pixmap(6, 16).toImage());
 }
 
 void TestTavorin::everyControlIsReachedByTab()

@@ -33,6 +33,8 @@ ShowWidget::ShowWidget(QMenu *pageMenu, bool isLivePage, QWidget *parent)
     scene = std::make_unique<MainScene>();
     connectScene();
     view->setScene(scene.get());
+    setTabOrder(view, ui->listWidget);
+    setTabOrder(ui->listWidget, ui->pushButton);
     ui->listWidget->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(ui->listWidget, &QWidget::customContextMenuRequested, this, &ShowWidget::menuRequest);
 }

@@ -25,6 +25,7 @@ VideoWidget::VideoWidget(QWidget *parent)
     , label(new ShowLabel)
 {
     setStyleSheet(QStringLiteral("border: none;"));
+    setFocusPolicy(Qt::NoFocus); // the view over it takes the keys
     setWidget(label);
 }
 
