@@ -26,7 +26,9 @@ CalibrationWidget::CalibrationWidget(double measured, const CalibrationRecords &
     , existing(stored)
 {
     ui->setupUi(this);
-    ui->lineEdit_2->setValidator(new QIntValidator(0, 100000, this));
+    auto *wholeNumbers = new QIntValidator(0, 100000, this);
+    wholeNumbers->setLocale(QLocale::c()); // elsewhere a point may part thousands and would pass
+    ui->lineEdit_2->setValidator(wholeNumbers);
     ui->label_6->setText(QString::number(pixels, 'g', 6) + " pixel");
     ui->label_8->hide();
 }

@@ -28,6 +28,7 @@ private slots:
     void theFourthCharacterOfTheNameIsRefused();
     void theLengthTakesWholeNumbersAlone_data();
     void theLengthTakesWholeNumbersAlone();
+    void theLengthIsReadAlikeEverywhere();
     void anEmptyMeasurementGivesAnInfiniteRatio();
     void closingTheWindowRejects();
     void theEnterKeyAccepts();
@@ -256,6 +257,18 @@ void TestCalibrationWidget::theLengthTakesWholeNumbersAlone()
     Form f;
     QTest::keyClicks(f.length, typed);
     QTEST(f.length->text(), "expected");
+}
+
+void TestCalibrationWidget::theLengthIsReadAlikeEverywhere()
+{
+    // Where a point parts the thousands, "2.5" would pass as a whole number.
+    for (const QLocale &locale : {QLocale(QLocale::German), QLocale(QLocale::English)}) {
+        QLocale::setDefault(locale);
+        Form f;
+        QTest::keyClicks(f.length, "2.5,1");
+        QLocale::setDefault(QLocale::c());
+        QCOMPARE(f.length->text(), QString("251"));
+    }
 }
 
 void TestCalibrationWidget::anEmptyMeasurementGivesAnInfiniteRatio()

@@ -2,6 +2,7 @@
 #include "measure/base.h"
 #include "measure/graphicscross.h"
 #include "measure/graphicstext.h"
+#include "tests/support/jfifdensity.h"
 #include "tests/support/mainwindow.h"
 #include "tests/support/messagewatch.h"
 #include "tests/support/modalanswers.h"
@@ -11,6 +12,7 @@
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDataStream>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -22,7 +24,8 @@ namespace {
 
 constexpr char configuration[] = "[draw]\nPointWidth=1\nPointColor=#ff0000\nLineWidth=1\n"
                                  "LineColor=#ff0000\nTextSize=13\nTextColor=#ff0000\n"
-                                 "DrawCrossWidth=1\nDrawCrossColor=#00ff00\n";
+                                 "DrawCrossWidth=1\nDrawCrossColor=#00ff00\n"
+                                 "QuickSavePath=quick\n";
 
 void click(QWidget *widget)
 {
@@ -52,6 +55,7 @@ private slots:
     void cleanup();
 
     void theSampleRulerMakesTwoScalesThatAreReadInEveryUnit();
+    void everySavedPictureCarriesTheScaleInForce();
     void aGridOnTheLivePageSurvivesARestart();
 
     void theTabIsClosedWhileItsShapesLoad();
@@ -66,6 +70,7 @@ private:
     void pickCalibration(int index);
     void compareReadouts(const QString &unit, const QString &line, const QString &rect,
                          const QStringList &circle, double circumference);
+    QByteArrayList densitiesOfAllKinds();
     ShowWidget *connectCamera();
     int openDuringALoad(const std::function<void()> &meanwhile);
 
@@ -245,6 +250,58 @@ void TestGuiCalibration::theSampleRulerMakesTwoScalesThatAreReadInEveryUnit()
     QCOMPARE(readout(window->currentPage(), "Line"), QString("Len = 500um"));
     pickCalibration(0);
     QCOMPARE(readout(window->currentPage(), "Line"), QString("Len = 1250um"));
+}
+
+/// The densities of a quick save, a live save, a saved view and a saved snapshot.
+QByteArrayList TestGuiCalibration::densitiesOfAllKinds()
+{
+    const auto density = [this](const QString &name) {
+        return jfifDensity(window->directory.read(name));
+    };
+    window->tabs()->setCurrentIndex(0);
+    QDir quick("quick");
+    click(window->part("captureBtn"));
+    [&] { QTRY_COMPARE(quick.entryList(QDir::Files).size(), 1); }();
+    const QString quickName = "quick/" + quick.entryList(QDir::Files).first();
+    [&] { QTRY_VERIFY((*window)->isEnabled()); }();
+
+    answers->chooseFile(window->directory.path("live.jpg"));
+    click(window->part("save_2"));
+    [&] { QTRY_VERIFY(!density("live.jpg").isEmpty()); }();
+
+    click(window->part("capture2Btn"));
+    [&] { QTRY_COMPARE(window->tabs()->count(), 2); }();
+    window->part<QComboBox>("zoom")->setCurrentText("50");
+    answers->chooseFile(window->directory.path("view.jpg"));
+    click(window->part("capture2Btn"));
+    answers->chooseFile(window->directory.path("snapshot.jpg"));
+    click(window->part("save"));
+    window->closeTab(1);
+
+    const QByteArrayList densities{density(quickName), density("live.jpg"), density("view.jpg"),
+                                   density("snapshot.jpg")};
+    for (const QString &name :
+         {quickName, QString("live.jpg"), QString("view.jpg"), QString("snapshot.jpg")})
+        QFile::remove(name);
+    return densities;
+}
+
+void TestGuiCalibration::everySavedPictureCarriesTheScaleInForce()
+{
+    window->directory.write("calibration.ini", "[calibrate]\n1\\length=1\n1\\name=L1\n1\\real=5\n"
+                                               "1\\unit=mm\nsize=1\n");
+    QVERIFY(QDir().mkdir("quick"));
+    window->restart();
+    (*window)->show();
+    connectCamera();
+    const QByteArray none = "0000010001";
+    QCOMPARE(densitiesOfAllKinds(), QByteArrayList({none, none, none, none}));
+    pickCalibration(0);
+    // 5 um a pixel are 2000 pixels a centimetre; at half the size 1000.
+    QCOMPARE(densitiesOfAllKinds(),
+             QByteArrayList({"0207d007d0", "0207d007d0", "0203e803e8", "0207d007d0"}));
+    click(rowOfTheDropDown(0)->findChild<QPushButton *>());
+    QCOMPARE(densitiesOfAllKinds(), QByteArrayList({none, none, none, none}));
 }
 
 // ---- Crosshair

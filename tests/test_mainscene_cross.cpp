@@ -78,6 +78,8 @@ private slots:
     void hiddenLinesInTheFileHideTheGridUntilShow();
     void theLastRowDecidesWhetherTheGridIsShown();
     void hostileRowsAreSurvived();
+    void impossiblePlacesInTheFileComeToTheEdges_data();
+    void impossiblePlacesInTheFileComeToTheEdges();
 };
 
 void TestMainSceneCross::threeHorizontalLinesQuarterTheHeight()
@@ -438,6 +440,57 @@ void TestMainSceneCross::hostileRowsAreSurvived()
     painted(scene);
     scene.saveCross();
     QCOMPARE(readCrosses().size(), scene.crossLines().size());
+}
+
+void TestMainSceneCross::impossiblePlacesInTheFileComeToTheEdges_data()
+{
+    QTest::addColumn<QByteArray>("pos");
+    QTest::addColumn<double>("x"); // of a vertical line in a scene of 600 x 400
+    QTest::addColumn<double>("y"); // of a horizontal one
+    // Two doubles each; the type number of a point stands before them.
+    const auto point = [](const char *x, const char *y) {
+        return QByteArray("@Variant(\\0\\0\\0\\x1a") + x + y + ")";
+    };
+    const char *const nan = R"(\x7f\xf8\0\0\0\0\0\0)";
+    const char *const infinity = R"(\x7f\xf0\0\0\0\0\0\0)";
+    const char *const minusInfinity = R"(\xff\xf0\0\0\0\0\0\0)";
+    const char *const huge = R"(~7\xe4<\x88\0u\x9c)"; // 1e300
+    const char *const tiny = R"(\0\0\0\0\0\0\0\x1)";
+    QTest::newRow("not a number") << point(nan, nan) << 0.0 << 0.0;
+    QTest::newRow("infinite") << point(infinity, infinity) << 599.0 << 399.0;
+    QTest::newRow("infinite below") << point(minusInfinity, minusInfinity) << 0.0 << 0.0;
+    QTest::newRow("huge") << point(huge, huge) << 599.0 << 399.0;
+    QTest::newRow("mixed") << point(nan, infinity) << 0.0 << 399.0;
+    QTest::newRow("next to nothing")
+        << point(tiny, tiny) << 4.9406564584124654e-324 << 4.9406564584124654e-324;
+    QTest::newRow("cut off") << QByteArray("@Variant(\\0\\0\\0\\x1a@)") << 0.0 << 0.0;
+    QTest::newRow("a word") << QByteArray("middle") << 0.0 << 0.0;
+    QTest::newRow("a number") << QByteArray("77") << 0.0 << 0.0;
+    QTest::newRow("a point of whole numbers") << QByteArray("@Point(70 80)") << 70.0 << 80.0;
+    QTest::newRow("a size") << QByteArray("@Size(70 80)") << 0.0 << 0.0;
+    QTest::newRow("nothing") << QByteArray() << 0.0 << 0.0;
+}
+
+void TestMainSceneCross::impossiblePlacesInTheFileComeToTheEdges()
+{
+    QFETCH(QByteArray, pos);
+    QFETCH(double, x);
+    QFETCH(double, y);
+    const WorkingDirectory directory;
+    directory.write("corss.ini", "[corss]\n1\\direct=1\n1\\visible=true\n1\\pos=" + pos +
+                                     "\n2\\direct=2\n2\\visible=true\n2\\pos=" + pos +
+                                     "\nsize=2\n");
+    PageScene scene;
+    scene.loadCross();
+    QCOMPARE(places(scene, vertical), (QList<QPointF>{{x, 0}}));
+    QCOMPARE(places(scene, horizontal), (QList<QPointF>{{0, y}}));
+    painted(scene);
+    // What is stored from now on are places of this scene.
+    scene.saveCross();
+    QCOMPARE(readCrosses().value(0).pos, QPointF(x, 0));
+    QCOMPARE(readCrosses().value(1).pos, QPointF(0, y));
+    resize(scene, 300, 200);
+    QVERIFY(scene.sceneRect().contains(scene.crossLines().at(0)->pos()));
 }
 
 QTEST_MAIN(TestMainSceneCross)

@@ -1,4 +1,5 @@
 #include "measure/base.h"
+#include "tests/support/jfifdensity.h"
 #include "tests/support/shownpage.h"
 #include "tests/support/workingdirectory.h"
 #include "workbench/picturefile.h"
@@ -82,8 +83,6 @@ QByteArray manyLines(int count)
     }
     return json + "]";
 }
-
-QByteArray jfifDensity(const QByteArray &jpeg) { return jpeg.mid(13, 5).toHex(); }
 
 } // namespace
 

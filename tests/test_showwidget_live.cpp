@@ -4,6 +4,7 @@
 #include "measure/graphicspoint.h"
 #include "settings/settingsfiles.h"
 #include "simulator/simulatedcapture.h"
+#include "tests/support/jfifdensity.h"
 #include "tests/support/shownpage.h"
 #include "tests/support/workingdirectory.h"
 
@@ -44,6 +45,8 @@ private slots:
     void wheelAndMiddlePressReachTheWindow();
 
     void captureBurnsTheShapesIn();
+    void withoutACalibrationACaptureCarriesNoScale();
+    void savedViewCarriesTheScaleOfTheLiveZoom();
     void laterCaptureReplacesTheEarlierPath();
     void captureOfTheRunningCameraIsStored();
     void savingALivePageAsksForAFrameOnly();
@@ -397,6 +400,27 @@ void TestShowWidgetLive::captureBurnsTheShapesIn()
     // They stay on the page.
     QCOMPARE(live.list->count(), 1);
     QCOMPARE(live.scene.items().size(), 1);
+}
+
+void TestShowWidgetLive::withoutACalibrationACaptureCarriesNoScale()
+{
+    const WorkingDirectory directory;
+    LivePage live({960, 540});
+    live.page.captureTo(directory.path("shot.jpg"));
+    emit live.camera.cappix(blackFrame());
+    QCOMPARE(jfifDensity(directory.read("shot.jpg")), QByteArray("0000010001"));
+}
+
+void TestShowWidgetLive::savedViewCarriesTheScaleOfTheLiveZoom()
+{
+    const WorkingDirectory directory;
+    LivePage live({960, 540});
+    live.page.saveViewport(directory.path("view.jpg"));
+    QCOMPARE(jfifDensity(directory.read("view.jpg")), QByteArray("0000010001"));
+    live.page.setScale(10.0);
+    live.page.saveViewport(directory.path("view.jpg"));
+    // A pixel of the view shows two of the frame, 20 um: 500 a centimetre.
+    QCOMPARE(jfifDensity(directory.read("view.jpg")), QByteArray("0201f401f4"));
 }
 
 void TestShowWidgetLive::laterCaptureReplacesTheEarlierPath()
