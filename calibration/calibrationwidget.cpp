@@ -26,8 +26,12 @@ CalibrationWidget::CalibrationWidget(double measured, const CalibrationRecords &
     , existing(stored)
 {
     ui->setupUi(this);
+    // Digits alone: a point that parts thousands in the operator's country would be read as
+    // another.
+    QLocale plain = QLocale::c();
+    plain.setNumberOptions(QLocale::OmitGroupSeparator | QLocale::RejectGroupSeparator);
     auto *wholeNumbers = new QIntValidator(0, 100000, this);
-    wholeNumbers->setLocale(QLocale::c()); // elsewhere a point may part thousands and would pass
+    wholeNumbers->setLocale(plain);
     ui->lineEdit_2->setValidator(wholeNumbers);
     ui->label_6->setText(QString::number(pixels, 'g', 6) + " pixel");
     ui->label_8->hide();

@@ -16,11 +16,12 @@
 namespace {
 
 /// Runs the queued events during a long work. At first whenever it is asked to; once that has cost
-/// a while, events get no more than half of the time, and yet a turn after 100 ms at the latest.
+/// a while, no turn comes before the work has gone on for as long as the last one took. So events,
+/// which paint more shapes each time, get no more than half of the time.
 class EventPump
 {
 public:
-    bool isDue() const { return spentMs < 100 || sinceRun.elapsed() >= qMin<qint64>(lastMs, 100); }
+    bool isDue() const { return spentMs < 100 || sinceRun.elapsed() >= lastMs; }
 
     void run()
     {

@@ -25,6 +25,7 @@ private slots:
     void slowTrailerStillMarksNothing();
     void shapesThatAreFirstPaintedLaterMarkNothing_data();
     void shapesThatAreFirstPaintedLaterMarkNothing();
+    void theWindowGetsItsTurnsWhileThousandsOfShapesLoad();
     void pageMayCloseWhileItsTrailerLoads();
     void pageMayCloseBeforeItsTrailerLoads();
     void shapesMayGoWhileATrailerLoads();
@@ -235,6 +236,23 @@ void TestShowWidgetFiles::shapesThatAreFirstPaintedLaterMarkNothing()
     shown.page.show();
     shown.page.grab();
     QCOMPARE(shown.rows(), rows);
+    QVERIFY(!shown.page.isModified());
+}
+
+void TestShowWidgetFiles::theWindowGetsItsTurnsWhileThousandsOfShapesLoad()
+{
+    const WorkingDirectory directory;
+    writePng("a.png", trailer(manyLines(5000)));
+    ShownPage shown;
+    shown.page.show();
+    shown.page.openFile("a.png");
+    int turns = 0;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, this, [&] { turns += shown.list->count() < 5000; });
+    timer.start(0);
+    QTRY_COMPARE_WITH_TIMEOUT(shown.list->count(), 5000, 60000);
+    QVERIFY2(turns >= 3, qPrintable(QString::number(turns)));
+    QCOMPARE(shown.scene.items().size(), 5000);
     QVERIFY(!shown.page.isModified());
 }
 
