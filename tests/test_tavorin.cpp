@@ -1295,6 +1295,8 @@ void TestTavorin::connectingAndLosingTheCamera()
 
     window.click("arc");
     sceneOf(window.currentPage()).setCrossHorCount(5);
+    window->onCrossChangedTimeOut(); // else the next second would store the five
+    writeCrosses({{2, 1, Qt::red, QPointF(0, 10), false, true}});
     answers.press(QMessageBox::Ok);
     QSignalSpy manual(window.get(), &Tavorin::setFocusManual);
     simulatedMicroscope().unplug("a");
