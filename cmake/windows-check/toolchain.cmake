@@ -1,10 +1,5 @@
-# Compiles for Windows with Debian's MinGW-w64, without a Windows build of the toolkit.
-set(CMAKE_SYSTEM_NAME Windows)
-set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
-set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+# Compiles for Windows without a Windows build of the toolkit.
+include(${CMAKE_CURRENT_LIST_DIR}/../mingw.cmake)
 set(CMAKE_CXX_FLAGS_DEBUG "-O0")
 set(Qt5_DIR ${CMAKE_CURRENT_LIST_DIR})
 set(OpenCV_DIR ${CMAKE_CURRENT_LIST_DIR})
