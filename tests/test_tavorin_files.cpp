@@ -1,5 +1,6 @@
 #include "measure/base.h"
 #include "settings/settingsfiles.h"
+#include "tests/support/drived.h"
 #include "tests/support/mainwindow.h"
 #include "tests/support/messagewatch.h"
 #include "tests/support/modalanswers.h"
@@ -100,6 +101,16 @@ private slots:
     void exportingWithoutAShapeIsTold();
     void exportingWritesARecordPerShape();
     void exportingLeavesTheDirectoryAlone();
+
+    // Fixed paths of Windows
+    void quickSaveWithoutASettingGoesToTheDriveD();
+    void quickSaveToAMissingDriveStoresNothingAndSaysNothing();
+    void theExportDialogStartsAtTheDriveDOrWhereItCan();
+    void theOpenDialogStartsAtARememberedDriveOrWhereItCan();
+
+    // Names in other alphabets
+    void chineseNamesOpenSaveAndExport();
+    void chineseQuickSaveFolderIsReadFromTheSettings();
 };
 
 void TestTavorinFiles::initTestCase()
@@ -566,6 +577,121 @@ void TestTavorinFiles::exportingLeavesTheDirectoryAlone()
     window.click("export_2");
     QVERIFY(QFile::exists("list.csv"));
     QCOMPARE(readFilePath(), QString("elsewhere/"));
+}
+
+// ---- Fixed paths of Windows
+
+void TestTavorinFiles::quickSaveWithoutASettingGoesToTheDriveD()
+{
+    MainWindow window;
+    ModalAnswers answers;
+    DriveD drive("D:");
+    if (!drive.exists())
+        QSKIP("There is no drive D:");
+    startCamera(window, answers);
+    window.click("captureBtn");
+    QTRY_COMPARE(drive.newFiles().size(), 1);
+    const QString name = drive.path(drive.newFiles().first());
+    QTRY_COMPARE(QImage(name).size(), QSize(1920, 1080));
+    QTRY_VERIFY(window->isEnabled());
+}
+
+void TestTavorinFiles::quickSaveToAMissingDriveStoresNothingAndSaysNothing()
+{
+    MainWindow window;
+    ModalAnswers answers;
+    if (QDir("D:/").exists())
+        QSKIP("There is a drive D:");
+    ShowWidget *live = startCamera(window, answers);
+    QSignalSpy frames(window->cameraThread(), &MyCamera::cappix);
+    window.click("captureBtn");
+    QTRY_COMPARE(frames.size(), 1);
+    QTRY_VERIFY(window->isEnabled());
+    QCOMPARE(window.currentPage(), live);
+    QCOMPARE(answers.seen(), QStringList(connectedBox));
+    QVERIFY(QDir().entryList({"*.jpg", "D:*"}).isEmpty());
+}
+
+void TestTavorinFiles::theExportDialogStartsAtTheDriveDOrWhereItCan()
+{
+    MainWindow window;
+    ModalAnswers answers;
+    drawLine(window.addPicture("page"), QPointF(10, 10), QPointF(110, 10));
+    QDir directory;
+    QString typed = "?";
+    answers.expect([&](QWidget *widget) {
+        directory = qobject_cast<QFileDialog *>(widget)->directory();
+        typed = widget->findChild<QLineEdit *>("fileNameEdit")->text();
+        static_cast<QDialog *>(widget)->reject();
+    });
+    window.click("export_2");
+    QVERIFY2(directory.exists(), qPrintable(directory.path()));
+    QCOMPARE(typed, QString());
+    if (QDir("d:/").exists())
+        QCOMPARE(directory.absolutePath().toLower(), QString("d:/"));
+}
+
+void TestTavorinFiles::theOpenDialogStartsAtARememberedDriveOrWhereItCan()
+{
+    MainWindow window("[base]\nfilePath=D:/\n");
+    ModalAnswers answers;
+    QDir directory;
+    answers.expect([&](QWidget *widget) {
+        directory = qobject_cast<QFileDialog *>(widget)->directory();
+        static_cast<QDialog *>(widget)->reject();
+    });
+    window.click("open");
+    QVERIFY2(directory.exists(), qPrintable(directory.path()));
+    if (QDir("D:/").exists())
+        QCOMPARE(directory.absolutePath(), QString("D:/"));
+    QCOMPARE(readFilePath(), QString("D:/"));
+}
+
+// ---- Names in other alphabets
+
+void TestTavorinFiles::chineseNamesOpenSaveAndExport()
+{
+    MainWindow window(redLines);
+    ModalAnswers answers;
+    QVERIFY(QDir().mkdir("显微 图片"));
+    ShowWidget *page =
+        openPicture(window, answers, window.writePicture("显微 图片/芯片.jpg", QSize(200, 100)));
+    QCOMPARE(window.tabText(), QString("芯片.jpg"));
+    QCOMPARE(sceneOf(page).sceneRect(), QRectF(0, 0, 200, 100));
+    QCOMPARE(readFilePath(), window.directory.path("显微 图片/"));
+
+    drawLine(page, QPointF(20, 50), QPointF(180, 50));
+    page->setModified(true);
+    QCOMPARE(window.tabText(), QString("芯片.jpg*"));
+    window.click("save");
+    QCOMPARE(window.tabText(), QString("芯片.jpg"));
+    QVERIFY(isReddish(QImage("显微 图片/芯片.jpg").pixelColor(100, 50)));
+
+    drawLine(page, QPointF(20, 30), QPointF(180, 30));
+    answers.chooseFile(window.directory.path("显微 图片/列表 é.csv"));
+    window.click("export_2");
+    QCOMPARE(window.directory.read("显微 图片/列表 é.csv").simplified(),
+             QByteArray("1,Line,\"Len = 160px\""));
+
+    ShowWidget *untitled = window.addPicture("page");
+    drawLine(untitled, QPointF(20, 50), QPointF(180, 50));
+    untitled->setModified(true);
+    answers.chooseFile(window.directory.path("显微 图片/测量"));
+    window.click("save");
+    QCOMPARE(window.tabText(), QString("测量.jpg"));
+    QCOMPARE(QImage("显微 图片/测量.jpg").size(), QSize(640, 480));
+    QVERIFY(answers.allAnswered());
+}
+
+void TestTavorinFiles::chineseQuickSaveFolderIsReadFromTheSettings()
+{
+    MainWindow window("[draw]\nQuickSavePath=\\x5feb\\x5b58\n");
+    ModalAnswers answers;
+    QVERIFY(QDir().mkdir("快存"));
+    startCamera(window, answers);
+    window.click("captureBtn");
+    QTRY_COMPARE(QDir("快存").entryList({"*.jpg"}, QDir::Files).size(), 1);
+    QTRY_VERIFY(window->isEnabled());
 }
 
 QTEST_MAIN(TestTavorinFiles)

@@ -21,13 +21,15 @@ set(Qt5Core_MOC_EXECUTABLE Qt5::moc)
 
 execute_process(COMMAND qmake -qt=5 -query QT_INSTALL_HEADERS
     OUTPUT_VARIABLE headers OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-foreach(module Core Gui Widgets)
+foreach(module Core Gui Widgets Test)
     add_library(Qt5::${module} INTERFACE IMPORTED)
     target_include_directories(Qt5::${module} SYSTEM INTERFACE ${headers} ${headers}/Qt${module})
-    target_compile_definitions(Qt5::${module} INTERFACE QT_${module}_LIB)
+    string(TOUPPER ${module} upper)
+    target_compile_definitions(Qt5::${module} INTERFACE QT_${upper}_LIB)
 endforeach()
 target_link_libraries(Qt5::Gui INTERFACE Qt5::Core)
 target_link_libraries(Qt5::Widgets INTERFACE Qt5::Gui)
+target_link_libraries(Qt5::Test INTERFACE Qt5::Core)
 
 # The two commands of the toolkit's own package that the project uses.
 function(qt5_wrap_ui outputs)
