@@ -1,31 +1,19 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QString>
 #include <QThread>
 
-#include <malloc.h>
-
 #include <cstddef>
 
-/// What the process holds at this moment, as the system counts it (Linux).
+/// What the process holds at this moment, as the system counts it. What it does not count is 0.
 struct ProcessLoad
 {
     int threads = 0;
     int descriptors = 0;
     std::size_t heapBytes = 0; ///< in use; under a sanitizer, which brings its own heap, constant
 
-    static ProcessLoad now()
-    {
-        const auto entries = [](const char *folder) {
-            return int(QDir(QLatin1String(folder))
-                           .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-                           .size());
-        };
-        const struct mallinfo2 heap = mallinfo2();
-        return {entries("/proc/self/task"), entries("/proc/self/fd"), heap.uordblks + heap.hblkhd};
-    }
+    static ProcessLoad now(); // processload_linux.cpp, processload_windows.cpp
 
     /// The least of each over a moment, with events served: a thread that has just ended may still
     /// be listed.
