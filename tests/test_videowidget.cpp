@@ -20,6 +20,8 @@ private slots:
     void frameKeepsItsSizeWhenTheLabelGrows();
     void frameIsScaledInDevicePixels();
     void frameOfAsManyPixelsIsShownUnchanged();
+    void frameOfTheLabelsSizeIsNotCopied();
+    void nothingBehindAFrameIsPainted();
     void wheelOverAScrollableAreaReachesTheWindow();
     void middlePressReachesTheWindow();
     void leftPressOnTheViewStaysThere();
@@ -242,6 +244,38 @@ void TestVideoWidget::frameOfAsManyPixelsIsShownUnchanged()
     QImage shown = label.grab().toImage().convertToFormat(QImage::Format_RGB32);
     shown.setDevicePixelRatio(1.0);
     QCOMPARE(shown, frame);
+}
+
+void TestVideoWidget::frameOfTheLabelsSizeIsNotCopied()
+{
+    ShowLabel label;
+    label.resize(40, 20);
+    QPixmap frame(QSizeF(label.size() * label.devicePixelRatioF()).toSize());
+    frame.setDevicePixelRatio(label.devicePixelRatioF());
+    label.setPixmap(frame);
+    QCOMPARE(label.scaledFrame().cacheKey(), frame.cacheKey());
+}
+
+void TestVideoWidget::nothingBehindAFrameIsPainted()
+{
+    ShowLabel label;
+    label.resize(40, 20);
+    QVERIFY(!label.testAttribute(Qt::WA_OpaquePaintEvent));
+    QPixmap frame(80, 60);
+    frame.fill(Qt::red);
+    label.setPixmap(frame);
+    QVERIFY(label.testAttribute(Qt::WA_OpaquePaintEvent));
+    // The frame keeps its size until the next one.
+    label.resize(50, 20);
+    label.grab();
+    QVERIFY(!label.testAttribute(Qt::WA_OpaquePaintEvent));
+    label.setPixmap(frame);
+    QVERIFY(label.testAttribute(Qt::WA_OpaquePaintEvent));
+    frame.fill(Qt::transparent);
+    label.setPixmap(frame);
+    QVERIFY(!label.testAttribute(Qt::WA_OpaquePaintEvent));
+    label.setPixmap(QPixmap());
+    QVERIFY(!label.testAttribute(Qt::WA_OpaquePaintEvent));
 }
 
 void TestVideoWidget::wheelOverAScrollableAreaReachesTheWindow()

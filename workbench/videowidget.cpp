@@ -9,8 +9,20 @@ void ShowLabel::setPixmap(const QPixmap &frame)
     // In device pixels, so that the picture stays sharp on a screen of high density.
     const qreal ratio = devicePixelRatioF();
     scaled = frame.scaled(size() * ratio, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-    scaled.setDevicePixelRatio(ratio);
+    // A frame of the label's own size is shared with the sender: telling it what it knows copies
+    // it.
+    if (scaled.devicePixelRatio() != ratio)
+        scaled.setDevicePixelRatio(ratio);
+    // Nothing behind a frame needs painting.
+    setAttribute(Qt::WA_OpaquePaintEvent, !scaled.isNull() && !scaled.hasAlpha());
     update();
+}
+
+void ShowLabel::resizeEvent(QResizeEvent *event)
+{
+    // The frame keeps its size until the next one: the rest shows what is behind.
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
+    QLabel::resizeEvent(event);
 }
 
 void ShowLabel::paintEvent(QPaintEvent *)
