@@ -168,6 +168,16 @@ void Base::applyProperties()
         text_->setAnchor(parkedLabel);
 }
 
+void Base::setVisible(bool visible)
+{
+    for (GraphicsPoint *point : qAsConst(points_))
+        point->setVisible(visible);
+    if (text_)
+        text_->setVisible(visible);
+    if (item_)
+        item_->setVisible(visible);
+}
+
 void Base::setScale(double scale)
 {
     if (text_)

@@ -44,6 +44,8 @@ public:
     void setTextContent(const QString &content);
     void makePoint(QGraphicsScene *scene, QPointF pos);
     void applyProperties();
+    /// Shows or hides handles, label and item.
+    void setVisible(bool visible);
     void setScale(double scale);
     /// Picture pixels per scene unit for the label, which is not formatted anew.
     void setImageScale(double scale);

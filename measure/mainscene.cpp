@@ -104,14 +104,31 @@ void MainScene::finishRecord()
         measureOver(2.0 * circle->radius());
         return;
     }
+    if (hidesCurrent)
+        current_->setVisible(true);
     emit itemInsert(current_);
     items_.append(current_);
     // The record is the list's from here on: whoever edits its text may change the tool meanwhile.
-    if (std::exchange(current_, nullptr)->isType(15))
+    const Base *record = std::exchange(current_, nullptr);
+    emit currentChanged();
+    if (record->isType(15))
         emit ltextEdit();
 }
 
-void MainScene::dropCurrent() { delete std::exchange(current_, nullptr); }
+void MainScene::setCurrentHidden(bool hidden)
+{
+    hidesCurrent = hidden;
+    if (current_)
+        current_->setVisible(!hidden);
+}
+
+void MainScene::dropCurrent()
+{
+    if (!current_)
+        return;
+    delete std::exchange(current_, nullptr);
+    emit currentChanged();
+}
 
 void MainScene::setDrawProperties(const DrawProperties &properties) { drawProperties = properties; }
 
@@ -214,14 +231,19 @@ void MainScene::placePoint(QPointF pos)
     // Each distance reaches the ring or the lines alone.
     for (DrawProperty key : {RingDistance1, RingDistance2, LineDistance1, LineDistance2})
         applySetting(current_, key, drawProperties.value(key));
+    if (hidesCurrent)
+        current_->setVisible(false);
+    emit currentChanged();
 }
 
 void MainScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
-    if (current_)
+    if (current_) {
         current_->moveLastPoint(event->scenePos());
-    else if (drawType_ == 0)
+        emit currentChanged();
+    } else if (drawType_ == 0) {
         QGraphicsScene::mouseMoveEvent(event);
+    }
 }
 
 void MainScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)

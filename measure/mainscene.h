@@ -36,6 +36,10 @@ public:
     const QList<Base *> &items() const { return items_; }
     /// The record under construction, or null.
     Base *current() const { return current_; }
+    /// Hides the shape under construction in the scene, for a view that paints it itself: for each
+    /// item that moves in sight the toolkit walks through all items.
+    void setCurrentHidden(bool hidden);
+    bool isCurrentHidden() const { return hidesCurrent; }
     void removeItemAt(int index);
     void clearItems();
     void setItemText(const QString &text);
@@ -79,6 +83,8 @@ signals:
     void changeProperty(void *item);
     void crossStatusChanged(void *line);
     void clearDrawType();
+    /// The shape under construction appeared, moved or went.
+    void currentChanged();
 
 protected:
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
@@ -103,7 +109,8 @@ private:
 
     int drawType_ = 0;
     Base *current_ = nullptr; // owned
-    QList<Base *> items_;     // owned, in order of finishing
+    bool hidesCurrent = false;
+    QList<Base *> items_; // owned, in order of finishing
     DrawProperties drawProperties;
     double scale = 1.0;
     int unit = 1;

@@ -6,6 +6,7 @@
 #include "measure/mainscene.h"
 #include "ui_showwidget.h"
 #include "workbench/graphicsview.h"
+#include "workbench/pictureview.h"
 #include "workbench/videowidget.h"
 
 #include <QMenu>
@@ -32,7 +33,10 @@ ShowWidget::ShowWidget(QMenu *pageMenu, bool isLivePage, QWidget *parent)
     createView();
     scene = std::make_unique<MainScene>();
     connectScene();
-    view->setScene(scene.get());
+    if (auto *pictureView = qobject_cast<PictureView *>(view))
+        pictureView->setMainScene(scene.get());
+    else
+        view->setScene(scene.get());
     setTabOrder(view, ui->listWidget);
     setTabOrder(ui->listWidget, ui->pushButton);
     ui->listWidget->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -51,7 +55,7 @@ void ShowWidget::createView()
         // On the label, so that the view lies over the moving picture and scrolls with it.
         view = new OverlayView(video->content());
     } else {
-        view = new GraphicsView(video);
+        view = new PictureView(video);
         // Around the picture the page's own background shows.
         video->viewport()->setAutoFillBackground(false);
         video->content()->setAutoFillBackground(false);

@@ -4,6 +4,7 @@
 #include "measure/mainscene.h"
 #include "ui_showwidget.h"
 #include "workbench/graphicsview.h"
+#include "workbench/pictureview.h"
 #include "workbench/videowidget.h"
 
 #include <QScrollBar>
@@ -159,6 +160,8 @@ void ShowWidget::adjustPictureView()
     view->setGeometry(across.offset, down.offset, across.length, down.length);
     scene->setSceneRect(QRect(QPoint(), size));
     scene->setBackgroundBrush(QBrush(picture));
+    if (auto *pictureView = qobject_cast<PictureView *>(view))
+        pictureView->followBackground();
     view->setTransform(QTransform::fromScale(pictureScale, pictureScale));
 }
 
