@@ -82,6 +82,7 @@ private slots:
     void aHostileFileCanStillBeWritten();
     void aFileThatWasRewrittenAtOnceIsReadAnew();
     void aTextThatLooksLikeAValueKeepsItsSecret();
+    void everyTruncationIsSurvived();
     void rubbishIsNoFile_data();
     void rubbishIsNoFile();
     void somethingElseThanAFileIsLeftAlone();
@@ -462,6 +463,27 @@ void TestSettingsFiles::aTextThatLooksLikeAValueKeepsItsSecret()
     QVERIFY(readFilePath().startsWith("@Variant["));
     writeFilePath("C:/");
     QCOMPARE(readFilePath(), QString("C:/"));
+}
+
+void TestSettingsFiles::everyTruncationIsSurvived()
+{
+    writeDrawSetting(LineColor, QColor(Qt::red));
+    writeDrawSetting(RingDistance1, 0.25);
+    writeCalibrations({{QString::fromUtf8("5倍"), 100, "mm", 500}, {"x10", 7, "mil", 12.7}});
+    writeCrosses({{2, 1, QColor(Qt::red), {0, 100.5}, true, false}});
+    for (const char *name : {"config.ini", "calibration.ini", "corss.ini"}) {
+        const QByteArray whole = directory->read(name);
+        for (int size = 0; size < whole.size(); ++size) {
+            directory->write(name, whole.left(size));
+            QCOMPARE(readDrawSettings().size(), 14);
+            QVERIFY(readCalibrations().size() <= 2);
+            QVERIFY(readCrosses().size() <= 1);
+        }
+        directory->write(name, whole);
+    }
+    QCOMPARE(readDrawSettings()[RingDistance1].toDouble(), 0.25);
+    QCOMPARE(readCalibrations().size(), 2);
+    QCOMPARE(readCrosses().size(), 1);
 }
 
 void TestSettingsFiles::rubbishIsNoFile_data()

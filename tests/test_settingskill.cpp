@@ -38,6 +38,16 @@ int writeForEver()
     }
 }
 
+/// Starts it; what it leaves among the temporary files goes with the working directory.
+void startWriter(QProcess &program)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"TMPDIR", "TMP", "TEMP"})
+        environment.insert(name, QDir::currentPath());
+    program.setProcessEnvironment(environment);
+    program.start(QCoreApplication::applicationFilePath(), {"write"});
+}
+
 } // namespace
 
 class TestSettingsKill : public QObject
@@ -61,7 +71,7 @@ void TestSettingsKill::aKillLeavesTheOldOrTheNewFile()
     QRandomGenerator random(1);
     for (int i = 0; i < kills; ++i) {
         QProcess program;
-        program.start(QCoreApplication::applicationFilePath(), {"write"});
+        startWriter(program);
         QVERIFY(program.waitForStarted());
         // It gets on, whatever its forerunner has left.
         if (i % 2 == 0)
@@ -82,7 +92,7 @@ void TestSettingsKill::aLockWithoutAnOwnerHoldsNothingUp()
     for (const char *name : files)
         directory.write(QString(name) + ".lock", "");
     QProcess program;
-    program.start(QCoreApplication::applicationFilePath(), {"write"});
+    startWriter(program);
     QVERIFY(program.waitForReadyRead(20000));
     program.kill();
     QVERIFY(program.waitForFinished());
