@@ -56,13 +56,13 @@ void fuseFrames(const std::array<cv::Mat, 2> &frames, cv::Mat &out, int mode,
     for (cv::Mat &gradient : gradients)
         createPadded(gradient, size, CV_32F);
     createPadded(selection, size, CV_8U);
-    forEachBand<SaliencyBuffers, 64>(size.height, [&](cv::Range rows, SaliencyBuffers &band) {
+    forEachBand<SaliencyBuffers>(size.height, [&](cv::Range rows, SaliencyBuffers &band) {
         for (size_t i = 0; i < 2; ++i)
             gradientMap(frames[i], rows, gradients[i], band);
     });
-    // Higher bands: each takes rows from around it.
+    // Apart from the gradients: each band takes rows from around it.
     using Saliencies = std::array<cv::Mat, 2>;
-    forEachBand<Saliencies, 128>(size.height, [&](cv::Range rows, Saliencies &band) {
+    forEachBand<Saliencies>(size.height, [&](cv::Range rows, Saliencies &band) {
         // Of equal values the first frame's wins.
         cv::compare(saliency(gradients[1], rows, band[1]), saliency(gradients[0], rows, band[0]),
                     selection.rowRange(rows), cv::CMP_GT);

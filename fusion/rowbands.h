@@ -5,12 +5,12 @@
 /// Calls `work(cv::Range rows, Scratch &scratch)` for every band of a picture's rows, on the
 /// library's threads. What a thread leaves in `scratch` is there again for its next band.
 ///
-/// Bands begin at multiples of `bandRows`; the last one takes the remainder, so that no band of a
-/// higher picture is smaller. What `work` throws reaches the caller.
-/// @tparam bandRows  few enough for a band's pictures to stay in the cache
-template<typename Scratch, int bandRows = 64, typename Work>
+/// Bands begin at multiples of 64; the last one takes the remainder, so that no band of a higher
+/// picture is smaller. What `work` throws reaches the caller.
+template<typename Scratch, typename Work>
 void forEachBand(int rows, const Work &work)
 {
+    constexpr int bandRows = 64;        // a band's pictures stay in the cache
     constexpr int stripesPerThread = 8; // for threads of uneven speed
     const int bands = std::max(rows / bandRows, 1);
     cv::parallel_for_(

@@ -13,8 +13,9 @@ constexpr double logScale = 27.050532016668065;
 constexpr int maximumRadius = 5;
 constexpr int gaussSide = 11;
 constexpr double gaussSigma = 5.0;
-/// Rows whose colours are floats at a time.
-constexpr int convertedRows = 8;
+/// Rows that are converted at a time: few enough to stay in the cache, and of eight columns or more
+/// they still hold a group of vectors, see logOfStretch.
+constexpr int fewRows = 8;
 
 /// The rows and as many around them as the picture has, up to `margin` on each side.
 cv::Range widened(cv::Range rows, int margin, int height)
@@ -46,17 +47,19 @@ void logOfStretch(const cv::Mat &values, cv::Mat &result, bool reachesEnd, size_
 void logGray(const cv::Mat &frame, cv::Range rows, SaliencyBuffers &buffers)
 {
     auto &[bgr, gray, levels] = buffers;
-    gray.create(rows.size(), frame.cols, CV_32F);
-    for (int y = rows.start; y < rows.end; y += convertedRows) {
-        const cv::Range few(y, std::min(y + convertedRows, rows.end));
-        frame.rowRange(few).convertTo(bgr, CV_32F);
+    levels.create(rows.size(), frame.cols, CV_32F);
+    const int step = frame.cols < fewRows ? rows.size() : fewRows;
+    const int steps = std::max(rows.size() / step, 1);
+    for (int i = 0; i < steps; ++i) {
+        const cv::Range few(i * step, i + 1 == steps ? rows.size() : (i + 1) * step);
+        frame.rowRange(few + rows.start).convertTo(bgr, CV_32F);
         // After the conversion to float: no rounding to whole levels.
-        cv::cvtColor(bgr, gray.rowRange(few.start - rows.start, few.end - rows.start),
-                     cv::COLOR_BGR2GRAY);
+        cv::cvtColor(bgr, gray, cv::COLOR_BGR2GRAY);
+        gray.convertTo(gray, CV_32F, 1.0, 1.0);
+        cv::Mat target = levels.rowRange(few);
+        logOfStretch(gray, target, few.end + rows.start == frame.rows, frame.total());
+        target.convertTo(target, CV_32F, logScale);
     }
-    gray.convertTo(gray, CV_32F, 1.0, 1.0);
-    logOfStretch(gray, levels, rows.end == frame.rows, frame.total());
-    levels.convertTo(levels, CV_32F, logScale);
 }
 
 void gradientMap(const cv::Mat &frame, cv::Range rows, cv::Mat &gradient, SaliencyBuffers &buffers)
