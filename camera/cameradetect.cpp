@@ -2,6 +2,8 @@
 
 #include "camera/videodevices.h"
 
+#include <utility>
+
 CameraDetect::CameraDetect(int pollPeriod, QObject *parent)
     : QThread(parent)
     , pollPeriodMs(pollPeriod)
@@ -40,10 +42,16 @@ void CameraDetect::poll()
     QStringList paths;
     listVideoDevices(names, paths);
     // Paths only, and in order: names are for display.
-    if (paths != devicePaths) {
+    const bool listChanged = paths != devicePaths;
+    if (listChanged) {
         devicePaths = paths;
         deviceNames = names;
         emit detect(deviceNames, devicePaths);
+    }
+    QStringList faults = videoDeviceFaults(devicePaths);
+    if (listChanged || faults != deviceFaults) {
+        deviceFaults = std::move(faults);
+        emit accessChange(deviceFaults);
     }
     const QString watched = watchedPath();
     if (!watched.isEmpty() && devicePaths.contains(watched))

@@ -29,6 +29,9 @@ public:
 signals:
     /// The list changed.
     void detect(QStringList names, QStringList paths);
+    /// What keeps the listed devices from being opened, an empty text where nothing does. Follows
+    /// every `detect`, and comes when it changes: rights to a device may come a moment after it.
+    void accessChange(QStringList faults);
     /// The camera in use is listed at this moment. Sent every period while that holds.
     void alive();
 
@@ -40,6 +43,7 @@ private:
 
     QStringList deviceNames;
     QStringList devicePaths;
+    QStringList deviceFaults;
     QString watchedPath_; // guarded by watchedMutex
     std::atomic<bool> polling{true};
 

@@ -2,6 +2,8 @@
 
 #include "ui_deviceinfowidget.h"
 
+#include <QStyle>
+
 DeviceInfoWidget::DeviceInfoWidget(QWidget *parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::DeviceInfoWidget>())
@@ -27,6 +29,18 @@ void DeviceInfoWidget::setInfo(int number, int index_, const QString &name, cons
     } else {
         ui->label->setText(tr("离线"));
         ui->radioButton->setChecked(true);
+    }
+}
+
+void DeviceInfoWidget::setFault(const QString &fault)
+{
+    ui->label_2->setToolTip(fault.isEmpty() ? name() : name() + '\n' + fault);
+    setProperty("refused", !fault.isEmpty());
+    // A style sheet looks at a property once, when the widget is polished.
+    for (QWidget *part : {static_cast<QWidget *>(this), static_cast<QWidget *>(ui->label),
+                          static_cast<QWidget *>(ui->label_2)}) {
+        style()->unpolish(part);
+        style()->polish(part);
     }
 }
 

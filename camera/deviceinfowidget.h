@@ -24,6 +24,11 @@ public:
     void setChecked(bool checked);
     QString name() const;
     QString path() const;
+    int deviceIndex() const { return index; }
+    /// Marks a device that cannot be opened. The row's texts stay what they are: it turns pale, and
+    /// its tooltip tells the reason.
+    /// @param fault  what the system says; empty when nothing is wrong
+    void setFault(const QString &fault);
     /// The button's caption is empty in every language; an offline text keeps its own.
     void retranslate();
 

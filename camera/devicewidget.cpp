@@ -82,6 +82,12 @@ void DeviceWidget::onCameraClose(DeviceInfoWidget *row)
     emit cameraClose();
 }
 
+void DeviceWidget::accessChange(const QStringList &faults)
+{
+    for (DeviceInfoWidget *row : qAsConst(rows))
+        row->setFault(faults.value(row->deviceIndex()));
+}
+
 void DeviceWidget::closeCurrent()
 {
     for (DeviceInfoWidget *row : qAsConst(rows))

@@ -35,6 +35,8 @@ public slots:
     void deviceChange(QStringList names, QStringList paths);
     void onCameraWork(int index, QString name, QString path);
     void onCameraClose(DeviceInfoWidget *row);
+    /// @param faults  for each device of the list, what keeps it from being opened, or nothing
+    void accessChange(const QStringList &faults);
 
 private:
     DeviceInfoWidget *addRow(int number, int index, const QString &name, const QString &path,

@@ -25,6 +25,7 @@ MyCamera::MyCamera(CameraPeriods periods, QObject *parent)
 {
     connect(&controller, &Controller::resolutionChange, this, &MyCamera::resolutionChange);
     connect(&detector, &CameraDetect::detect, this, &MyCamera::detect);
+    connect(&detector, &CameraDetect::accessChange, this, &MyCamera::accessChange);
     connect(&detector, &CameraDetect::alive, this, &MyCamera::restartIfStopped);
     // The first of all receivers, so that the others find the newest frame behind the pointer.
     connect(this, &MyCamera::putpix, this, &MyCamera::takeNewestFrame);

@@ -62,6 +62,8 @@ signals:
     void resolutionChange(QString text);
     /// The list of attached devices changed.
     void detect(QStringList names, QStringList paths);
+    /// What keeps each of the listed devices from being opened; empty texts where nothing does.
+    void accessChange(QStringList faults);
     /// The raw firmware number, read when the device opens.
     void sendCameraFirmwareVersion(double version);
 

@@ -21,3 +21,11 @@ int listVideoDevices(QStringList &names, QStringList &paths)
     decode(rawPaths, paths);
     return count;
 }
+
+QStringList videoDeviceFaults(const QStringList &paths)
+{
+    QStringList faults;
+    for (const QString &path : paths)
+        faults.append(QString::fromStdString(videoDeviceFault(path.toStdString())));
+    return faults;
+}

@@ -2,10 +2,14 @@
 
 #include "camera/enumeratevideodevices.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <system_error>
 
 namespace {
 
@@ -68,4 +72,19 @@ int enumerateVideoDevices(std::vector<std::string> &names, std::vector<std::stri
         paths.push_back(node.path);
     }
     return int(nodes.size());
+}
+
+std::string accessFault(const std::string &deviceFile)
+{
+    if (access(deviceFile.c_str(), R_OK | W_OK) == 0)
+        return {};
+    return deviceFile + ": " + std::generic_category().message(errno);
+}
+
+std::string videoDeviceFault(const std::string &path)
+{
+    for (const CaptureNode &node : listCaptureNodes())
+        if (node.path == path)
+            return accessFault("/dev/video" + std::to_string(node.number));
+    return {};
 }

@@ -15,3 +15,7 @@ struct CaptureNode
 /// which is left out; so is a node whose name or place cannot be read.
 /// @param folder  the kernel's folder of video nodes
 std::vector<CaptureNode> listCaptureNodes(const std::string &folder = "/sys/class/video4linux");
+
+/// What keeps the user of this process from reading and writing a device file, for instance
+/// "/dev/video0: Permission denied"; empty when nothing does.
+std::string accessFault(const std::string &deviceFile);

@@ -1,5 +1,5 @@
 #include "camera/capture.h"
-#include "camera/videodevices.h"
+#include "camera/enumeratevideodevices.h"
 #include "simulator/simulatedcapture.h"
 
 SimulatedCapture &simulatedMicroscope()
@@ -21,4 +21,12 @@ int enumerateVideoDevices(std::vector<std::string> &names, std::vector<std::stri
         paths.push_back(device.path);
     }
     return int(names.size());
+}
+
+std::string videoDeviceFault(const std::string &path)
+{
+    for (const SimulatedCapture::Device &device : simulatedMicroscope().devices())
+        if (device.path == path)
+            return device.fault;
+    return {};
 }

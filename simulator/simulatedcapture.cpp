@@ -24,7 +24,7 @@ bool SimulatedCapture::open(int index, int /*backend*/)
         --opensToFail;
         return false;
     }
-    if (index < 0 || index >= int(attached.size()))
+    if (index < 0 || index >= int(attached.size()) || !attached[index].fault.empty())
         return false;
     openPath = attached[index].path;
     nextFrame = Motor::Clock::now();

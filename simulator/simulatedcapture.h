@@ -23,6 +23,7 @@ public:
     {
         std::string name;
         std::string path;
+        std::string fault{}; ///< why it cannot be opened; empty when it can
     };
 
     SimulatedCapture();

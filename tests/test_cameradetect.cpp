@@ -19,6 +19,8 @@ struct Watch
                          [this](const QStringList &names, const QStringList &paths) {
                              lists.append(names.join(',') + '|' + paths.join(','));
                          });
+        QObject::connect(&detector, &CameraDetect::accessChange, &context,
+                         [this](const QStringList &said) { faults.append(said.join('|')); });
         QObject::connect(&detector, &CameraDetect::alive, &context, [this] { ++alives; });
     }
 
@@ -31,6 +33,7 @@ struct Watch
 
     QObject context;
     QStringList lists;
+    QStringList faults;
     int alives = 0;
     CameraDetect detector{1};
 };
@@ -99,6 +102,24 @@ private slots:
         QTRY_COMPARE(watch.lists.size(), 1);
         scriptedCapture().attach({second, first});
         QTRY_COMPARE(watch.lists.value(1), QString("Orvane_B,Orvane_A|usb-2,usb-1"));
+    }
+
+    void faultsFollowTheListAndTheirOwnChanges()
+    {
+        scriptedCapture().attach({first, {"Orvane_B", "usb-2", "no right"}});
+        Watch watch;
+        watch.detector.start();
+        QTRY_COMPARE(watch.faults, QStringList({"|no right"}));
+        watch.passes(20);
+        QCOMPARE(watch.faults.size(), 1);
+
+        scriptedCapture().attach({first, second});
+        QTRY_COMPARE(watch.faults, QStringList({"|no right", "|"}));
+        QCOMPARE(watch.lists.size(), 1);
+
+        scriptedCapture().attach({{"Orvane_B", "usb-2", "no right"}});
+        QTRY_COMPARE(watch.faults.value(2), QString("no right"));
+        QCOMPARE(watch.lists.size(), 2);
     }
 
     void pathsDifferByCase()

@@ -41,6 +41,8 @@ private slots:
     void anOfflineRowBuiltInEnglishSaysSo();
     void dismissingAnOfflineRowKeepsTheOthers();
     void anEmptyListAtAFaultyPassBringsTheCameraBackAtTheNext();
+    void aCameraThatCannotBeOpenedIsPaleAndItsTooltipTellsWhy();
+    void faultsGoByDeviceIndex();
 
 private:
     QList<DeviceInfoWidget *> rows() const;
@@ -360,6 +362,38 @@ void TestDeviceWidget::anEmptyListAtAFaultyPassBringsTheCameraBackAtTheNext()
     QCOMPARE(work->takeFirst(), (QVariantList{1, "Orvane_A", "a"}));
     QVERIFY(button(0)->isChecked());
     QVERIFY(!button(1)->isChecked());
+}
+
+void TestDeviceWidget::aCameraThatCannotBeOpenedIsPaleAndItsTooltipTellsWhy()
+{
+    panel->deviceChange({"Orvane_A"}, {"a"});
+    const QLabel &name = control<QLabel>(*rows().at(0), "label_2");
+    const QColor usual = name.palette().color(QPalette::WindowText);
+    QCOMPARE(name.toolTip(), QString("Orvane_A"));
+
+    panel->accessChange({"/dev/video0: Permission denied"});
+    QVERIFY(name.palette().color(QPalette::WindowText).lightness() > usual.lightness() + 60);
+    QCOMPARE(name.toolTip(), QString("Orvane_A\n/dev/video0: Permission denied"));
+    // Number, name and button say what they always say, and the row can be chosen.
+    QCOMPARE(numberText(0), QString("1"));
+    QCOMPARE(rows().at(0)->name(), QString("Orvane_A"));
+    QCOMPARE(textOf(*rows().at(0), "radioButton"), QString());
+    button(0)->click();
+    QCOMPARE(work->takeFirst(), (QVariantList{0, "Orvane_A", "a"}));
+
+    panel->accessChange({""});
+    QCOMPARE(name.palette().color(QPalette::WindowText), usual);
+    QCOMPARE(name.toolTip(), QString("Orvane_A"));
+}
+
+void TestDeviceWidget::faultsGoByDeviceIndex()
+{
+    panel->deviceChange({"Webcam", "Orvane_A", "Orvane_B"}, {"w", "a", "b"});
+    panel->accessChange({"first", "", "third"});
+    QCOMPARE(control<QLabel>(*rows().at(0), "label_2").toolTip(), QString("Orvane_A"));
+    QCOMPARE(control<QLabel>(*rows().at(1), "label_2").toolTip(), QString("Orvane_B\nthird"));
+    panel->accessChange({});
+    QCOMPARE(control<QLabel>(*rows().at(1), "label_2").toolTip(), QString("Orvane_B"));
 }
 
 QTEST_MAIN(TestDeviceWidget)

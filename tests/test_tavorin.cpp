@@ -1,4 +1,5 @@
 #include "camera/camerasetwidget2.h"
+#include "camera/deviceinfowidget.h"
 #include "fusion/fusionwidget.h"
 #include "settings/pushbutton.h"
 #include "settings/selectbutton.h"
@@ -177,6 +178,7 @@ private slots:
     void englishReachesTheFormAndEveryPage();
     void englishReachesThePanelsAtOnce();
     void anOfflineRowKeepsItsLanguage();
+    void aCameraWithoutAccessIsMarkedUntilTheRightComes();
     void ownTextsStayChineseInEnglish();
     void fixedEntriesAndTitlesStay();
     void chineseTwiceChangesNothing();
@@ -1466,6 +1468,20 @@ void TestTavorin::anOfflineRowKeepsItsLanguage()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCOMPARE(panel->findChild<QLabel *>("label")->text(), QString("OffLine"));
     window->on_actionchinese_triggered();
+}
+
+void TestTavorin::aCameraWithoutAccessIsMarkedUntilTheRightComes()
+{
+    MainWindow window;
+    auto *panel = window.part<DeviceWidget>("page_1");
+    const auto toolTip = [panel] {
+        const auto *row = panel->findChild<DeviceInfoWidget *>();
+        return row ? row->findChild<QLabel *>("label_2")->toolTip() : QString();
+    };
+    simulatedMicroscope().attach({{"Orvane_A", "a", "/dev/video0: Permission denied"}});
+    QTRY_COMPARE(toolTip(), QString("Orvane_A\n/dev/video0: Permission denied"));
+    simulatedMicroscope().attach({{"Orvane_A", "a"}});
+    QTRY_COMPARE(toolTip(), QString("Orvane_A"));
 }
 
 void TestTavorin::ownTextsStayChineseInEnglish()

@@ -1,4 +1,5 @@
 #include "camera/capture.h"
+#include "camera/enumeratevideodevices.h"
 #include "camera/mycamera.h"
 #include "camera/v4l2capture.h"
 #include "camera/videodevices.h"
@@ -16,6 +17,8 @@
 #include <cstdlib>
 #include <memory>
 #include <thread>
+
+#include <unistd.h>
 
 namespace {
 
@@ -142,6 +145,31 @@ private slots:
         QVERIFY(listCaptureNodes("/nowhere").empty());
         QDir(system->path("class")).removeRecursively();
         QCOMPARE(listed(), QStringList());
+    }
+
+    void whoMayNotOpenADeviceIsToldTheReason()
+    {
+        const QString file = system->path("device file");
+        QCOMPARE(QString::fromStdString(accessFault(file.toStdString())),
+                 file + ": No such file or directory");
+        QVERIFY(QFile(file).open(QIODevice::WriteOnly));
+        QCOMPARE(accessFault(file.toStdString()), std::string());
+    }
+
+    void aDeviceFileOfOthersIsRefused()
+    {
+        if (geteuid() == 0)
+            QSKIP("The superuser may open any device.");
+        const QString file = system->path("device file");
+        QVERIFY(QFile(file).open(QIODevice::WriteOnly));
+        QVERIFY(QFile::setPermissions(file, QFile::ReadOwner));
+        QCOMPARE(QString::fromStdString(accessFault(file.toStdString())),
+                 file + ": Permission denied");
+    }
+
+    void aDeviceThatIsNotListedHasNoFault()
+    {
+        QCOMPARE(videoDeviceFault("/devices/nowhere"), std::string());
     }
 
     // ---- Streaming

@@ -104,6 +104,7 @@ void Tavorin::connectPanels()
     connect(ui.page_2, &CameraSetWidget2::cameraInfoChange, camera, &MyCamera::setCameraInfo);
     connect(ui.page_2, &CameraSetWidget2::showSuccess, this, &Tavorin::showSuccess);
     connect(camera, &MyCamera::detect, ui.page_1, &DeviceWidget::deviceChange);
+    connect(camera, &MyCamera::accessChange, ui.page_1, &DeviceWidget::accessChange);
     connect(ui.page_1, &DeviceWidget::cameraWork, this, &Tavorin::cameraChange);
     connect(ui.page_1, &DeviceWidget::cameraClose, this, &Tavorin::cameraClose);
     connect(this, &Tavorin::setFocusManual, ui.page_2, &CameraSetWidget2::setFocusManual);

@@ -36,6 +36,14 @@ int enumerateVideoDevices(std::vector<std::string> &names, std::vector<std::stri
     return int(devices.size());
 }
 
+std::string videoDeviceFault(const std::string &path)
+{
+    for (const ScriptedDevice &device : scriptedCapture().attachedDevices())
+        if (device.path == path)
+            return device.fault;
+    return {};
+}
+
 void ScriptedCapture::reset()
 {
     Lock lock(mutex);
@@ -138,6 +146,12 @@ int ScriptedCapture::listings() const
 {
     Lock lock(mutex);
     return listingCount;
+}
+
+std::vector<ScriptedDevice> ScriptedCapture::attachedDevices() const
+{
+    Lock lock(mutex);
+    return list;
 }
 
 std::vector<ScriptedDevice> ScriptedCapture::listDevices()

@@ -16,6 +16,7 @@ struct ScriptedDevice
 {
     std::string name;
     std::string path;
+    std::string fault{}; ///< why it cannot be opened; empty when it can
 };
 
 /// The capture object of a test: cameras that follow a script, and a record of what was asked of
@@ -60,6 +61,7 @@ public:
     // ---- What the program sees
 
     std::vector<ScriptedDevice> listDevices();
+    std::vector<ScriptedDevice> attachedDevices() const;
     bool open(int index, int backend) override;
     bool isOpened() const override;
     void release() override;
