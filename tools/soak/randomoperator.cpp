@@ -127,6 +127,7 @@ void RandomOperator::actOnWindow(Dice &dice)
         {20, "resize the window", &RandomOperator::resizeWindow},
         {15, "switch the language", &RandomOperator::switchLanguage},
         {10, "take a sweep", &RandomOperator::takeSweep},
+        {10, "change the resolution", &RandomOperator::changeResolution},
         {5, "change the cable", &RandomOperator::changeCable},
         {5, "close the window", &RandomOperator::closeWindow},
     };
@@ -241,6 +242,13 @@ void RandomOperator::pickCamera(Dice &dice)
     // Seldom gives one up that is in use.
     if (!row->isChecked() || dice.oneIn(10))
         hands::click(row, QPoint(8, row->height() / 2));
+}
+
+void RandomOperator::changeResolution(Dice &dice)
+{
+    auto *sizes = window->findChild<QWidget *>("page_2")->findChild<QComboBox *>("comboBox_2");
+    if (sizes->isEnabled())
+        sizes->setCurrentIndex(dice.below(sizes->count()));
 }
 
 /// A short one: the operator has other things to do.

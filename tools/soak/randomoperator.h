@@ -43,6 +43,7 @@ private:
     void usePanel(Dice &dice);
     void showPanel(Dice &dice);
     void pickCamera(Dice &dice);
+    void changeResolution(Dice &dice);
     void takeSweep(Dice &dice);
     void useControl(QWidget *root, Dice &dice);
     void useList(Dice &dice);

@@ -186,14 +186,18 @@ private:
 
     void weigh()
     {
+        // The pages that were closed here wait for the return to the main loop.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QPixmapCache::clear();
         malloc_trim(0);
         const ProcessLoad load = ProcessLoad::atRest();
-        say(QString("%1 actions, %2 s: %3, %4 MiB resident")
+        const int objects = window->findChildren<QObject *>().size();
+        say(QString("%1 actions, %2 s: %3, %4 MiB resident, %5 objects in the window")
                 .arg(done)
                 .arg(clock.elapsed() / 1000)
                 .arg(load.text())
-                .arg(residentKiB() / 1024));
+                .arg(residentKiB() / 1024)
+                .arg(objects));
         loads.push_back(load);
     }
 
