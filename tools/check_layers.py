@@ -30,7 +30,7 @@ LAYERS = {
     "pages": (
         ["settings", "measure", "camera"],
         ["workbench/showwidget*", "workbench/videowidget", "workbench/graphicsview",
-         "workbench/capturename", "workbench/picturefile"],
+         "workbench/pictureview", "workbench/capturename", "workbench/picturefile"],
     ),
     "dialogs": (
         ["settings", "measure", "pages"],

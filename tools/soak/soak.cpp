@@ -24,6 +24,8 @@
 #include <cstdio>
 #include <vector>
 
+#include <malloc.h>
+
 namespace {
 
 constexpr quint64 actionsBetweenRests = 5000;
