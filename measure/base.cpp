@@ -126,8 +126,10 @@ void Base::addPoint(QPointF pos, double calibration)
     // The first click: its second handle is the one that follows the mouse.
     makePoint(scene, pos);
     text_ = new GraphicsText(calibration, unit_, nullptr);
+    text_->setVisible(visible);
     scene->addItem(text_);
     item_ = shapeRow(type()).makeItem(this, text_, scene);
+    item_->setVisible(visible);
     scene->addItem(item_);
     applyProperties();
 }
@@ -151,6 +153,7 @@ void Base::setTextContent(const QString &content)
 void Base::makePoint(QGraphicsScene *graphicsScene, QPointF pos)
 {
     auto *point = new GraphicsPoint(pos, graphicsScene, axisLock, nullptr);
+    point->setVisible(visible);
     graphicsScene->addItem(point);
     points_.append(point);
     applyWidth(point, pointWidth_);
@@ -168,14 +171,15 @@ void Base::applyProperties()
         text_->setAnchor(parkedLabel);
 }
 
-void Base::setVisible(bool visible)
+void Base::setVisible(bool isVisible)
 {
+    visible = isVisible;
     for (GraphicsPoint *point : qAsConst(points_))
-        point->setVisible(visible);
+        point->setVisible(isVisible);
     if (text_)
-        text_->setVisible(visible);
+        text_->setVisible(isVisible);
     if (item_)
-        item_->setVisible(visible);
+        item_->setVisible(isVisible);
 }
 
 void Base::setScale(double scale)

@@ -44,7 +44,7 @@ public:
     void setTextContent(const QString &content);
     void makePoint(QGraphicsScene *scene, QPointF pos);
     void applyProperties();
-    /// Shows or hides handles, label and item.
+    /// Shows or hides handles, label and item, also those that are still to come.
     void setVisible(bool visible);
     void setScale(double scale);
     /// Picture pixels per scene unit for the label, which is not formatted anew.
@@ -81,6 +81,7 @@ private:
     GraphicsConnect *item_ = nullptr; // owned, null until the first point
     int unit_;
     int axisLock;
+    bool visible = true;
     QVariant pointWidth_;
     QVariant pointColor_;
     QVariant lineWidth_;

@@ -226,13 +226,12 @@ void MainScene::placePoint(QPointF pos)
         current_ = createRecord();
     if (!current_)
         return;
+    current_->setVisible(!hidesCurrent);
     current_->addPoint(pos, scale);
     current_->setImageScale(imageScale_);
     // Each distance reaches the ring or the lines alone.
     for (DrawProperty key : {RingDistance1, RingDistance2, LineDistance1, LineDistance2})
         applySetting(current_, key, drawProperties.value(key));
-    if (hidesCurrent)
-        current_->setVisible(false);
     emit currentChanged();
 }
 
