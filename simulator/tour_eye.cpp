@@ -2,6 +2,8 @@
 
 #include "simulator/tour_operator.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace tour {
@@ -40,20 +42,26 @@ double greyOfLine(const QImage &picture, QPointF place, QPointF across)
 
 QPointF edgeNear(const QImage &picture, QPointF guess, QPointF across)
 {
-    double steepest = 0;
-    double weights = 0;
-    double moments = 0;
-    for (double t = -reach; t <= reach; t += step) {
-        const double change = std::abs(greyOfLine(picture, guess + (t + 0.5) * across, across) -
-                                       greyOfLine(picture, guess + (t - 0.5) * across, across));
-        steepest = std::max(steepest, change);
-        // The steep part of the slope decides, the grain beside it does not.
-        const double weight = std::pow(change, 4);
-        weights += weight;
-        moments += weight * t;
+    constexpr int samples = int(2 * reach / step) + 1;
+    std::array<double, samples> changes;
+    const auto distance = [](int i) { return i * step - reach; };
+    for (int i = 0; i < samples; ++i) {
+        const QPointF place = guess + distance(i) * across;
+        changes[i] = std::abs(greyOfLine(picture, place + across / 2, across) -
+                              greyOfLine(picture, place - across / 2, across));
     }
+    const double steepest = *std::max_element(changes.begin(), changes.end());
     if (steepest < leastChange)
         throw Error(QString("no edge to be seen at %1, %2").arg(guess.x()).arg(guess.y()));
+
+    double weights = 0;
+    double moments = 0;
+    for (int i = 0; i < samples; ++i) {
+        // The slope decides, the grain beside it does not.
+        const double weight = std::max(0.0, changes[i] - steepest / 8);
+        weights += weight;
+        moments += weight * distance(i);
+    }
     return guess + moments / weights * across;
 }
 

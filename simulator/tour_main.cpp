@@ -1,3 +1,4 @@
+#include "simulator/simulatedcapture.h"
 #include "simulator/tour.h"
 #include "workbench/application.h"
 #include "workbench/tavorin.h"
@@ -8,6 +9,7 @@
 #include <QLoggingCategory>
 #include <QTimer>
 
+#include <chrono>
 #include <cstdio>
 
 namespace {
@@ -61,6 +63,8 @@ int main(int argc, char *argv[])
     // The program keeps its settings in the directory that it runs in.
     QDir::setCurrent(folder.path());
 
+    // A third of the usual rate: the window gets its time on a slow machine too.
+    simulatedMicroscope().setFrameInterval(std::chrono::milliseconds(100));
     Tavorin window;
     window.showMaximized();
     int result = 0;

@@ -86,7 +86,7 @@ MeasureGroup holesSideBySide()
         circle(big.centre, big.outerRadius) + circle(small.centre, small.outerRadius);
     const Place middle{point(big.centre), {}};
     const QVector<Measure> measures{
-        {"circle", bigHole, "R", 0.25, pixel, "left hole, radius", {-1420, -150}},
+        {"circle", bigHole, "R", 0.25, pixel, "left hole, radius", {-1400, -360}},
         {"line_circle",
          smallHole + QVector<Place>{middle},
          "Len",
