@@ -23,6 +23,9 @@
 #include "workbench/showwidget.h"
 #include "workbench/tavorin.h"
 
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -64,6 +67,19 @@ const QPointF labels[] = {{112, 290},  {690, 1020}, {1560, 690}, {1370, 265},
 
 constexpr QSize windowSize(1600, 900);
 
+/// A copy of a picture without its grain, which would make the pictures of it heavy.
+/// @returns its path in the working directory, or an empty string
+QString withoutGrain(const QString &path)
+{
+    const cv::Mat grainy = cv::imread(path.toStdString());
+    if (grainy.empty())
+        return {};
+    cv::Mat smooth;
+    cv::medianBlur(grainy, smooth, 5);
+    cv::medianBlur(smooth, smooth, 5);
+    return cv::imwrite("smooth.png", smooth) ? QString("smooth.png") : QString();
+}
+
 void letEventsRun(int ms)
 {
     QEventLoop loop;
@@ -100,6 +116,7 @@ public:
         : window(sitter)
         , folder(target)
         , sample(samplePicture)
+        , smooth(withoutGrain(sample))
     {}
 
     void takeAll()
@@ -136,13 +153,16 @@ private:
     /// Takes the box that the call brings up and waits for, then closes it.
     void takeModal(const QString &name, const std::function<void()> &call)
     {
-        QTimer::singleShot(200, &window, [this, name] {
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, &window, [this, name, &look] {
             QWidget *box = QApplication::activeModalWidget();
             if (!box)
-                qFatal("no dialog for %s", qPrintable(name));
+                return;
+            look.stop();
             take(*box, name);
             box->close();
         });
+        look.start(50);
         call();
     }
 
@@ -165,7 +185,7 @@ private:
         window.resize(windowSize);
         auto *opened = new ShowWidget(&pageMenu(), false, &part<QTabWidget>(window, "tabWidget"));
         window.addPage(opened, QFileInfo(sample).fileName());
-        opened->openFile(sample);
+        opened->openFile(smooth);
         window.refreshControls();
         part<QComboBox>(window, "zoom").setCurrentText("67");
         part<QComboBox>(window, "comboBox_2").setCurrentText("mm");
@@ -195,7 +215,7 @@ private:
         takeModal("question", [this] { window.close(); });
         takeToolMenus();
 
-        QPixmap picture(sample);
+        QPixmap picture(smooth);
         takeShown(PicShowDialog(&picture, &window), "picture");
 
         window.calibrateChange(1.0);
@@ -325,6 +345,7 @@ private:
     Tavorin &window;
     QDir folder;
     QString sample;
+    QString smooth;
 };
 
 } // namespace
