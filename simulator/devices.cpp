@@ -4,7 +4,8 @@
 
 SimulatedCapture &simulatedMicroscope()
 {
-    static SimulatedCapture microscope;
+    // Never destroyed: discovery goes on listing devices when the process leaves main.
+    static SimulatedCapture &microscope = *new SimulatedCapture;
     return microscope;
 }
 
