@@ -21,7 +21,7 @@ DeviceWidget::DeviceWidget(QWidget *parent)
 
 DeviceWidget::~DeviceWidget() = default;
 
-void DeviceWidget::deviceChange(QStringList names, QStringList paths)
+void DeviceWidget::deviceChange(const QStringList &names, const QStringList &paths)
 {
     QString selectedName;
     QString selectedPath;
@@ -37,7 +37,7 @@ void DeviceWidget::deviceChange(QStringList names, QStringList paths)
 
     int number = 0;
     int index = 0;
-    for (const QString &path : qAsConst(paths)) {
+    for (const QString &path : paths) {
         const QString name = names.value(index);
         if (name.startsWith(namePrefix)) {
             DeviceInfoWidget *row = addRow(++number, index, name, path, true);
@@ -66,7 +66,7 @@ DeviceInfoWidget *DeviceWidget::addRow(int number, int index, const QString &nam
     return row;
 }
 
-void DeviceWidget::onCameraWork(int index, QString name, QString path)
+void DeviceWidget::onCameraWork(int index, const QString &name, const QString &path)
 {
     // A position in this list is compared with a device index: behind a device that has no row, the
     // clicked row itself is unchecked although its camera starts.

@@ -32,8 +32,8 @@ signals:
     void cameraClose();
 
 public slots:
-    void deviceChange(QStringList names, QStringList paths);
-    void onCameraWork(int index, QString name, QString path);
+    void deviceChange(const QStringList &names, const QStringList &paths);
+    void onCameraWork(int index, const QString &name, const QString &path);
     void onCameraClose(DeviceInfoWidget *row);
     /// @param faults  for each device of the list, what keeps it from being opened, or nothing
     void accessChange(const QStringList &faults);

@@ -40,7 +40,7 @@ MyCamera::~MyCamera()
 
 // ---- GUI thread
 
-void MyCamera::cameraChange(int index, QString path)
+void MyCamera::cameraChange(int index, const QString &path)
 {
     cameraIndex.store(index, relaxed);
     detector.setWatchedPath(path);

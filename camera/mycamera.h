@@ -71,7 +71,7 @@ public slots:
     /// Takes another camera into use.
     /// @param index  its position in the device list
     /// @param path   its device path, watched from now on
-    void cameraChange(int index, QString path);
+    void cameraChange(int index, const QString &path);
     /// Posts a change of a parameter, see CameraParameter.
     void setCameraInfo(int type, int num);
     /// Puts the focus window on a cell.

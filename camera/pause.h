@@ -19,8 +19,8 @@ public:
     /// Makes the condition of a rest in progress be looked at now.
     void cut()
     {
-        // Taken and given back, so that no rest is between its look at the condition and its sleep.
-        std::lock_guard<std::mutex>{mutex};
+        // With the lock, so that no rest is between its look at the condition and its sleep.
+        const std::lock_guard<std::mutex> lock(mutex);
         woken.notify_all();
     }
 

@@ -6,6 +6,7 @@
 #include "simulator/simulatedcapture.h"
 #include "tests/support/cameralog.h"
 #include "tests/support/panel.h"
+#include "tests/support/setrecord.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -15,36 +16,11 @@
 #include <QSlider>
 #include <QtTest>
 
-#include <algorithm>
-#include <numeric>
-
 namespace {
 
 const SimulatedCapture::Device microscope = {"Orvane_A", "usb-1"};
 const SimulatedCapture::Device second = {"Orvane_B", "usb-2"};
 const SimulatedCapture::Device webcam = {"Webcam", "usb-9"};
-
-/// What the device was told since the record was made or cleared: "property=value", in order.
-class SetRecord
-{
-public:
-    SetRecord() { clear(); }
-    void clear()
-    {
-        simulatedMicroscope().takeSets();
-        texts.clear();
-    }
-    const QStringList &all()
-    {
-        for (const auto &[property, value] : simulatedMicroscope().takeSets())
-            texts << QString("%1=%2").arg(property).arg(value, 0, 'f', 0);
-        return texts;
-    }
-    bool has(const QString &text) { return all().contains(text); }
-
-private:
-    QStringList texts;
-};
 
 /// A camera with the panels that go with it.
 struct Station

@@ -38,6 +38,7 @@ private slots:
     void pageWithoutRoomKeepsItsShapes();
 
     void frameFillsTheLabel();
+    void ofManyFramesInOneTurnTheNewestIsShownLast();
     void shapesLieOverTheFrame();
     void shapesAndCrosshairFollowTheZoom();
     void readoutsAreInFramePixels();
@@ -298,6 +299,26 @@ void TestShowWidgetLive::frameFillsTheLabel()
     const QImage grabbed = live.page.grab({0, 0, 960, 540}).toImage();
     QCOMPARE(grabbed.pixelColor(0, 0), QColor(Qt::green));
     QCOMPARE(grabbed.pixelColor(grabbed.width() - 1, grabbed.height() - 1), QColor(Qt::green));
+}
+
+void TestShowWidgetLive::ofManyFramesInOneTurnTheNewestIsShownLast()
+{
+    LivePage live({960, 540});
+    const auto shown = [&live] {
+        return live.video->content()->scaledFrame().toImage().pixelColor(0, 0);
+    };
+    for (const auto colour : {Qt::red, Qt::green, Qt::blue}) {
+        const QPixmap frame = plainPicture(64, 48, colour);
+        live.page.showFrame(&frame);
+        QCOMPARE(shown(), QColor(Qt::red)); // at once, and no other in this turn
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(shown(), QColor(Qt::blue));
+    QCoreApplication::processEvents();
+    // A later one is shown at once again.
+    const QPixmap frame = plainPicture(64, 48, Qt::green);
+    live.page.showFrame(&frame);
+    QCOMPARE(shown(), QColor(Qt::green));
 }
 
 void TestShowWidgetLive::shapesLieOverTheFrame()

@@ -10,8 +10,9 @@
 #include "workbench/videowidget.h"
 
 #include <QMenu>
-#include <QTimer>
 #include <QWheelEvent>
+
+#include <utility>
 
 namespace {
 
@@ -41,6 +42,8 @@ ShowWidget::ShowWidget(QMenu *pageMenu, bool isLivePage, QWidget *parent)
     setTabOrder(ui->listWidget, ui->pushButton);
     ui->listWidget->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(ui->listWidget, &QWidget::customContextMenuRequested, this, &ShowWidget::menuRequest);
+    frameTurn.setSingleShot(true);
+    connect(&frameTurn, &QTimer::timeout, this, &ShowWidget::showHeldFrame);
 }
 
 ShowWidget::~ShowWidget()
@@ -99,7 +102,24 @@ void ShowWidget::setCamera(MyCamera *newCamera)
     live = true;
 }
 
-void ShowWidget::showFrame(const QPixmap *frame) { video->setPixmap(*frame); }
+void ShowWidget::showFrame(const QPixmap *frame)
+{
+    // Frames that come faster than they can be shown must not keep the event loop from all else.
+    if (frameTurn.isActive()) {
+        heldFrame = *frame;
+        return;
+    }
+    video->setPixmap(*frame);
+    frameTurn.start(0);
+}
+
+void ShowWidget::showHeldFrame()
+{
+    if (heldFrame.isNull())
+        return;
+    const QPixmap frame = std::exchange(heldFrame, QPixmap());
+    showFrame(&frame);
+}
 
 void ShowWidget::setPicture(const QPixmap &newPicture)
 {

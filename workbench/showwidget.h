@@ -4,6 +4,7 @@
 
 #include <QPixmap>
 #include <QString>
+#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -38,7 +39,8 @@ public:
     bool hasItems() const;
     /// Makes this the live page of a camera, which must outlive it.
     void setCamera(MyCamera *camera);
-    /// Shows a frame, which is copied at once.
+    /// Shows a frame, which is copied at once. Of several that come within one turn of the event
+    /// loop it shows the first and the newest.
     void showFrame(const QPixmap *frame);
     void setPicture(const QPixmap &picture);
     /// Zoom of a picture page, in view pixels per picture pixel; the live page has its own.
@@ -116,6 +118,7 @@ protected:
 private:
     void createView();
     void connectScene();
+    void showHeldFrame();
 
     // showwidget_layout.cpp
     double fitScale() const;
@@ -147,4 +150,6 @@ private:
     bool trackChanges = false;
     double scale = 1.0;
     int openingSteps = 0; // of openFile, still to come before changes are tracked
+    QTimer frameTurn;     // runs from a frame until the event loop has served all else
+    QPixmap heldFrame;    // the newest that came meanwhile
 };

@@ -154,6 +154,12 @@ std::vector<ScriptedDevice> ScriptedCapture::attachedDevices() const
     return list;
 }
 
+bool ScriptedCapture::isWaiting() const
+{
+    Lock lock(mutex);
+    return waiting;
+}
+
 std::vector<ScriptedDevice> ScriptedCapture::listDevices()
 {
     Lock lock(mutex);
@@ -213,11 +219,13 @@ bool ScriptedCapture::read(cv::OutputArray image)
     cv::Mat frame;
     {
         Lock lock(mutex);
-        const auto over = [this] { return !stalled || !frames.empty() || !isAttached(); };
-        changed.wait_for(lock, std::chrono::milliseconds(stallLimitMs), over);
         // The pace of the endless stream.
         if (frames.empty())
             changed.wait_for(lock, std::chrono::milliseconds(1));
+        const auto over = [this] { return !stalled || !frames.empty() || !isAttached(); };
+        waiting = !over();
+        changed.wait_for(lock, std::chrono::milliseconds(stallLimitMs), over);
+        waiting = false;
         if (!frames.empty()) {
             frame = frames.front();
             frames.pop_front();

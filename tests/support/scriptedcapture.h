@@ -57,6 +57,8 @@ public:
     void forgetCalls();
     /// How often the device list was asked for.
     int listings() const;
+    /// Whether a read waits for a frame at this moment.
+    bool isWaiting() const;
 
     // ---- What the program sees
 
@@ -83,6 +85,7 @@ private:
     cv::Mat endless;
     bool stalled = false;
     int stallLimitMs = 2000;
+    bool waiting = false;
     bool refusing = false;
     std::map<int, double> values;
     int listingCount = 0;
