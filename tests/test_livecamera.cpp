@@ -5,7 +5,9 @@
 #include "camera/devicewidget.h"
 #include "simulator/simulatedcapture.h"
 #include "tests/support/cameralog.h"
+#include "tests/support/eventually.h"
 #include "tests/support/panel.h"
+#include "tests/support/processload.h"
 #include "tests/support/setrecord.h"
 
 #include <QCheckBox>
@@ -211,6 +213,40 @@ private slots:
         QVERIFY(station.pickTheCamera());
         QCOMPARE(station.log.count("status true"), 1);
         QCOMPARE(station.log.count("status false"), 0);
+    }
+
+    void fiveHundredReplugsLeaveNothingBehind()
+    {
+        SimulatedCapture &device = simulatedMicroscope();
+        device.setFrameInterval(std::chrono::milliseconds(1));
+        Station station;
+        QVERIFY(station.pickTheCamera());
+        station.camera.setCameraInfo(CameraParameter::Resolution, 4);
+        QVERIFY(eventually([&] { return station.log.frame.size() == QSize(640, 480); }));
+        const auto rowSays = [&station](const QString &text) {
+            const QList<DeviceInfoWidget *> rows = station.rows();
+            return rows.size() == 1 && textOf(*rows.first(), "label") == text;
+        };
+        ProcessLoad afterTheTenth;
+        ProcessLoad afterAll;
+        for (int cycle = 1; cycle <= 500; ++cycle) {
+            const int before = station.log.frames;
+            QVERIFY(eventually([&] { return station.log.frames > before && rowSays("1"); }));
+            station.panel.changeFocus(cycle % 400);
+            device.unplug("usb-1");
+            QVERIFY(eventually([&] { return !station.camera.isRunning() && rowSays("离线"); }));
+            if (cycle == 10)
+                afterTheTenth = ProcessLoad::atRest();
+            if (cycle == 500)
+                afterAll = ProcessLoad::atRest();
+            // The test's own memory.
+            station.log.said.clear();
+            station.sets.clear();
+            device.plugIn(microscope);
+        }
+        // OpenCV keeps some 850 bytes for each thread that ever converted a coloured frame.
+        QVERIFY2(afterAll.standsWhere(afterTheTenth, 490 * 850 + 64 * 1024),
+                 qPrintable(afterTheTenth.text() + " became " + afterAll.text()));
     }
 
     // ---- Parameters
