@@ -13,7 +13,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDateTime>
 #include <QDialog>
 #include <QGraphicsView>
 #include <QLabel>

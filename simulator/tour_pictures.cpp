@@ -8,14 +8,11 @@
 #include "simulator/tour_operator.h"
 #include "workbench/tavorin.h"
 
-#include <QColorDialog>
 #include <QComboBox>
 #include <QDialog>
-#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFile>
 #include <QGraphicsView>
-#include <QInputDialog>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPolygonF>
