@@ -87,7 +87,7 @@ void TestTavorinSweep::aSweepVisitsItsPositions()
     WindowSweep sweep(*window);
     sweep.run({start, end, step, 100});
     QCOMPARE(sweep.positions, positions);
-    QCOMPARE(sweep.frames.count(), frames);
+    QCOMPARE(sweep.frames, frames);
     QCOMPARE(sweep.autofocus, QSet<int>{0});
     QVERIFY(!sweep.startWasEnabled);
     QVERIFY(sweep.canStart());
@@ -102,7 +102,7 @@ void TestTavorinSweep::progressCountsUpAndEndsAtZero()
         sweep.run({0, 4, 2, waitMs});
         QCOMPARE(sweep.shown, QStringList({"0", "1", "2", "3", "0"}));
         QCOMPARE(sweep.progressAtTheEnd, QString("0"));
-        QCOMPARE(sweep.frames.count(), 3);
+        QCOMPARE(sweep.frames, 3);
     }
 }
 
@@ -143,14 +143,14 @@ void TestTavorinSweep::aResultPageThatWasClosedComesAgain()
     QCOMPARE(window->page(1), second);
     // With the running result so far.
     QCOMPARE(sweep.result().size(), QSize(640, 480));
-    QCOMPARE(sweep.frames.count(), 4);
+    QCOMPARE(sweep.frames, 4);
 }
 
 void TestTavorinSweep::withoutACameraTheSweepRunsItsFullLength()
 {
     WindowSweep sweep(*window);
     sweep.run({0, 4, 2, 100});
-    QCOMPARE(sweep.frames.count(), 3);
+    QCOMPARE(sweep.frames, 3);
     QCOMPARE(sweep.positions, QList<int>());
     QCOMPARE(window->tabs()->count(), 1);
 }
@@ -161,7 +161,7 @@ void TestTavorinSweep::aSecondSweepGetsItsOwnPage()
     WindowSweep second(*window);
     second.run({0, 0, 2, 100});
     QCOMPARE(window->tabs()->count(), 2);
-    QCOMPARE(second.frames.count(), 1);
+    QCOMPARE(second.frames, 1);
 }
 
 void TestTavorinSweep::aSliderMovedMeanwhileSendsTheFocusElsewhere()
@@ -177,7 +177,7 @@ void TestTavorinSweep::aSliderMovedMeanwhileSendsTheFocusElsewhere()
             sweep.panel->findChild<QSlider *>("horizontalSlider")->setValue(333);
         });
     QCOMPARE(sweep.positions, QList<int>({100, 333, 120, 140}));
-    QCOMPARE(sweep.frames.count(), 3);
+    QCOMPARE(sweep.frames, 3);
 }
 
 void TestTavorinSweep::noFaultEndsASweep_data()
@@ -215,11 +215,11 @@ void TestTavorinSweep::noFaultEndsASweep()
             (*window)->startFusion({100, 350, 10, 100});
         },
         [&] {
-            QTRY_VERIFY(sweep.frames.count() >= 2);
+            QTRY_VERIFY(sweep.frames >= 2);
             before = sharpnessOf(sweep.result());
             fault(*window);
         });
-    QCOMPARE(sweep.frames.count(), 26);
+    QCOMPARE(sweep.frames, 26);
     QCOMPARE(sweep.progressAtTheEnd, QString("0"));
     QVERIFY(sweep.canStart());
     // A frame may still have been added, but nothing is lost.
@@ -260,7 +260,7 @@ void TestTavorinSweep::theWindowClosesDuringASweep()
     startCamera();
     WindowSweep sweep(*window);
     (*window)->startFusion({0, 400, 1, 100});
-    QTRY_VERIFY(sweep.frames.count() >= 1);
+    QTRY_VERIFY(sweep.frames >= 1);
 }
 
 QTEST_MAIN(TestTavorinSweep)

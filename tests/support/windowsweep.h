@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSet>
-#include <QSignalSpy>
 #include <QtTest>
 
 /// Picks a simulated camera and waits for its frames.
@@ -34,8 +33,12 @@ public:
         , panel(target.part("page_4"))
         , progress(panel->findChild<QLineEdit *>("lineEdit_4"))
         , startButton(panel->findChild<QPushButton *>("pushButton"))
-        , frames(target->findChild<PicAnalyse *>(), &QThread::finished)
     {
+        // Counted on this thread; a signal spy would count on the other one.
+        QObject::connect(target->findChild<PicAnalyse *>(), &QThread::finished, &context,
+                         [this] { ++frames; });
+        QObject::connect(progress, &QLineEdit::textChanged, &context,
+                         [this](const QString &text) { shown += text; });
         acceptEveryBox();
     }
 
@@ -49,9 +52,7 @@ public:
     void run(
         const std::function<void()> &start, const std::function<void()> &meanwhile = [] {})
     {
-        QObject context;
-        QObject::connect(progress, &QLineEdit::textChanged, &context,
-                         [this](const QString &text) { shown += text; });
+        shown.clear();
         simulatedMicroscope().takeSets();
         start();
         startWasEnabled = canStart();
@@ -79,7 +80,7 @@ public:
     QWidget *panel;
     QLineEdit *progress;
     QPushButton *startButton;
-    QSignalSpy frames;
+    int frames = 0; ///< analysed so far
     ModalAnswers answers;
     QStringList shown;
     QList<int> positions;
@@ -90,6 +91,8 @@ public:
     QString progressAtTheEnd;
 
 private:
+    QObject context;
+
     /// The boxes that tell of the camera, the question about a page and, as the last one, the
     /// completion message.
     void acceptEveryBox()
