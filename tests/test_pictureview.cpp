@@ -127,6 +127,14 @@ public:
 // An edge that is smoothed in parts, or in a layer first, is rounded differently.
 constexpr int rounding = 8;
 
+/// How far the screen is from what it shows when all of it is painted anew.
+int leftBehind(PageAtWork &at)
+{
+    const QImage shot = at.shot();
+    at.view->viewport()->update();
+    return difference(shot, at.shot());
+}
+
 using Change = std::function<void(PageAtWork &)>;
 
 } // namespace
@@ -145,6 +153,8 @@ private slots:
     void theShapeUnderConstructionIsPartOfASavedView();
     void aFinishedShapeIsPaintedByTheScene();
     void aPageWithoutAPictureShowsTheShapeUnderConstruction();
+    void aDragLeavesNothingBehind_data();
+    void aDragLeavesNothingBehind();
 };
 
 void TestPictureView::showsWhatThePlainViewShows_data()
@@ -321,6 +331,52 @@ void TestPictureView::aPageWithoutAPictureShowsTheShapeUnderConstruction()
     const QImage image = at.view->viewport()->grab().toImage();
     const QPoint onTheLine = at.view->mapFromScene(QPointF(100, 50)) * image.devicePixelRatio();
     QCOMPARE(image.pixelColor(onTheLine), QColor(Qt::red));
+}
+
+void TestPictureView::aDragLeavesNothingBehind_data()
+{
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<QString>("grip");
+    for (const double zoom : {0.75, 1.0, 1.5, 2.0}) {
+        for (const char *grip : {"label", "shape", "handle"})
+            QTest::addRow("%s at %g", grip, zoom) << zoom << grip;
+    }
+}
+
+void TestPictureView::aDragLeavesNothingBehind()
+{
+    QFETCH(double, zoom);
+    QFETCH(QString, grip);
+    PageAtWork at;
+    at.page.setZoom(zoom);
+    at.view->horizontalScrollBar()->setValue(0);
+    at.view->verticalScrollBar()->setValue(0);
+    at.beginCircle();
+    at.page.setDrawType(0); // gives it up
+    at.settle();
+    const Base &line = *at.scene.items().constLast();
+    const QPointF handle = line.points().constFirst()->pos();
+    QPointF from = handle;
+    if (grip == "label")
+        from = line.text()->pos() + QPointF(12, 10);
+    else if (grip == "shape")
+        from = line.item()->sceneBoundingRect().center();
+    const QGraphicsItem *moving =
+        grip == "label" ? static_cast<QGraphicsItem *>(line.text()) : line.points().constFirst();
+    const QPointF before = moving->pos();
+    const QPointF shift(22.4, -13.7);
+    at.mouse.press(from);
+    at.settle();
+    for (int step = 1; step <= 4; ++step) {
+        at.mouse.move(from + shift * step);
+        const int left = leftBehind(at);
+        QVERIFY2(left <= rounding, qPrintable(QString("step %1: %2").arg(step).arg(left)));
+    }
+    QVERIFY(moving->pos() != before);
+    at.mouse.release(from + shift * 4);
+    at.page.setDrawType(1);
+    at.page.setDrawType(0);
+    QVERIFY(leftBehind(at) <= rounding);
 }
 
 QTEST_MAIN(TestPictureView)

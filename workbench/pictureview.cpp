@@ -136,8 +136,13 @@ QPixmap PictureView::painted(Layer which, qreal ratio)
 
 void PictureView::drawBackground(QPainter *painter, const QRectF &rect)
 {
-    if (layer != Layer::Above)
-        GraphicsView::drawBackground(painter, rect);
+    if (layer == Layer::Above)
+        return;
+    // Where edges fall between device pixels, as on a screen at 150 %, those at the edge are part
+    // of what is cleared: they are to be filled in full, not in the share that the rectangle
+    // covers.
+    const double margin = 2.0 / viewportTransform().m11();
+    GraphicsView::drawBackground(painter, rect.adjusted(-margin, -margin, margin, margin));
 }
 
 void PictureView::drawItems(QPainter *painter, int count, QGraphicsItem *items[],
