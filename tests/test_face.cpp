@@ -373,12 +373,12 @@ void TestFace::tabMeetsEveryControlOfTheWindow()
     const TabWalk tabs = walk(*window.get());
     QCOMPARE(unmet(*window.get(), tabs.met).join(", "), QString());
     // The picture has no frame.
-    QCOMPARE(tabs.invisible.join(", "), QString("GraphicsView"));
+    QCOMPARE(tabs.invisible.join(", "), QString("PictureView"));
     // As they stand, from the left and from above. One button stands for all that exclude each
     // other; the arrows lead on from it.
     QCOMPARE(namesOf(tabs.met).join(' '),
              QString("save settingBtn zoom capture2Btn export_2 cali QPushButton calibrateCombo "
-                     "comboBox_2 cross leftHide deviceManager qt_tabwidget_tabbar GraphicsView "
+                     "comboBox_2 cross leftHide deviceManager qt_tabwidget_tabbar PictureView "
                      "listWidget pushButton open"));
 }
 

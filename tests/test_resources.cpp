@@ -234,7 +234,7 @@ void TestResources::executableTakesTheLogo()
 {
     QFile script(QStringLiteral(SOURCE_DIR "/resources/icon.rc"));
     QVERIFY(script.open(QIODevice::ReadOnly));
-    QCOMPARE(script.readAll().simplified(), QByteArray("IDI_ICON1 ICON \"logo.ico\""));
+    QVERIFY(script.readAll().simplified().contains("IDI_ICON1 ICON \"logo.ico\""));
 }
 
 void TestResources::backgroundIsLightAndOpaque()

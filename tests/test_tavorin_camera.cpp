@@ -16,6 +16,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -360,15 +361,16 @@ void TestTavorinCamera::aDeviceThatDiesWhileItOpensIsFoundAgain_data()
 void TestTavorinCamera::aDeviceThatDiesWhileItOpensIsFoundAgain()
 {
     QFETCH(QString, step);
-    std::atomic<bool> died{false};
-    scriptedCapture().onCall([&](const QString &call) {
-        if (call == step && !died.exchange(true))
+    // The camera still calls when the test has ended.
+    const auto died = std::make_shared<std::atomic<bool>>(false);
+    scriptedCapture().onCall([died, step](const QString &call) {
+        if (call == step && !died->exchange(true))
             scriptedCapture().attach({});
     });
     scriptedCapture().attach({microscope});
     QVERIFY(waitForRows(1));
     buttons().first()->click();
-    QVERIFY(eventually([&] { return died && !isConnected(); }));
+    QVERIFY(eventually([&] { return *died && !isConnected(); }));
     QVERIFY(eventually([this] { return rowTexts("label") == QStringList("离线"); }));
     scriptedCapture().attach({microscope});
     QVERIFY(eventually([this] { return isConnected() && isShown(); }));
