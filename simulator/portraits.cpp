@@ -121,6 +121,7 @@ public:
 
     void takeAll()
     {
+        window.resize(windowSize);
         take(window, "window-empty");
         takePicturePage();
         takeLivePage();
@@ -319,7 +320,7 @@ private:
                              {"usb-2", "usb-3"});
         devices.show();
         letEventsRun(50);
-        devices.resize(210, devices.layout()->minimumSize().height());
+        devices.resize(210, part<QWidget>(devices, "scrollAreaWidgetContents").sizeHint().height());
         take(devices, "devices");
     }
 
