@@ -8,7 +8,7 @@
 /// Working pictures of a fusion, kept from one to the next so that a sweep allocates them once.
 struct FusionBuffers
 {
-    cv::Mat gradients[2];
+    std::array<cv::Mat, 2> gradients;
     cv::Mat selection;
 };
 

@@ -86,7 +86,7 @@ bool isExact()
 
 } // namespace
 
-void gradientMagnitude(const cv::Mat &picture, cv::Range rows, cv::Mat magnitude)
+void gradientMagnitude(const cv::Mat &picture, cv::Range rows, const cv::Mat &magnitude)
 {
     static const bool exact = isExact();
     if (exact)

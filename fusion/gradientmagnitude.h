@@ -8,4 +8,4 @@
 /// @param picture    `CV_32F`
 /// @param rows       the rows wanted
 /// @param magnitude  `CV_32F`, receives them from its first row on
-void gradientMagnitude(const cv::Mat &picture, cv::Range rows, cv::Mat magnitude);
+void gradientMagnitude(const cv::Mat &picture, cv::Range rows, const cv::Mat &magnitude);

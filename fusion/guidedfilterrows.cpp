@@ -114,7 +114,7 @@ void GuidedFilterRows::coefficients(int block, const std::array<double, blockSiz
         cv::v_store(result.offset.data() + i, s - factor * g);
     }
     for (; i < blockSize; ++i) {
-        const size_t x = size_t(i);
+        const auto x = size_t(i);
         const float variance = square[x] - (guides[x] * guides[x] - epsilon);
         const float covariance = product[x] - source[x] * guides[x];
         result.factor[x] = 1.0f / variance * covariance;

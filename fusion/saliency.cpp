@@ -77,8 +77,8 @@ void maxFilter(const cv::Mat &src, cv::Range rows, cv::Mat &dst, int radius)
     const bool fits = inner.start < inner.end && columns.start < columns.end;
     dst.create(rows.size(), src.cols, CV_32F);
     for (int y = rows.start; y < rows.end; ++y) {
-        const float *from = src.ptr<float>(y);
-        float *to = dst.ptr<float>(y - rows.start);
+        const auto *from = src.ptr<float>(y);
+        auto *to = dst.ptr<float>(y - rows.start);
         const bool crossed = fits && y >= inner.start && y < inner.end;
         std::copy(from, from + (crossed ? columns.start : src.cols), to);
         if (crossed)

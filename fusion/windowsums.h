@@ -28,9 +28,9 @@ public:
         : values(size_t(blocksFor(width) * blockSize + 2 * windowMargin))
     {
         for (int x = -windowMargin; x < 0; ++x)
-            mirrored.push_back({x, cv::borderInterpolate(x, width, cv::BORDER_REFLECT)});
+            mirrored.emplace_back(x, cv::borderInterpolate(x, width, cv::BORDER_REFLECT));
         for (int x = width; x < blocksFor(width) * blockSize + windowMargin; ++x)
-            mirrored.push_back({x, cv::borderInterpolate(x, width, cv::BORDER_REFLECT)});
+            mirrored.emplace_back(x, cv::borderInterpolate(x, width, cv::BORDER_REFLECT));
     }
 
     T *data() { return values.data() + windowMargin; }

@@ -146,6 +146,7 @@ const std::vector<cv::Rect2d> &pads()
 {
     static const std::vector<cv::Rect2d> list = [] {
         std::vector<cv::Rect2d> result;
+        result.reserve(8);
         for (int i = 0; i < 6; ++i)
             result.emplace_back(-4200.0 + i * 500.0, -2000, 300, 700);
         result.emplace_back(-1000, 900, 800, 400);

@@ -150,7 +150,7 @@ void expectDialog(const QString &what, std::function<void(QDialog *)> answer)
     expect(what, [answer = std::move(answer)](QWidget *widget) { answer(as<QDialog>(widget)); });
 }
 
-void expectMessage(const QString &what, std::function<void()> look)
+void expectMessage(const QString &what, const std::function<void()> &look)
 {
     expect(what, [=](QWidget *widget) {
         auto *box = as<QMessageBox>(widget);
@@ -165,7 +165,7 @@ void expectQuestion(const QString &what)
     expect(what, [](QWidget *widget) { click(as<QMessageBox>(widget)->button(QMessageBox::Yes)); });
 }
 
-void expectFileDialog(const QString &path, std::function<void()> look)
+void expectFileDialog(const QString &path, const std::function<void()> &look)
 {
     expect("the dialog for " + path, [=](QWidget *widget) {
         auto *name = find<QLineEdit>(as<QFileDialog>(widget), "fileNameEdit");
@@ -176,7 +176,7 @@ void expectFileDialog(const QString &path, std::function<void()> look)
     });
 }
 
-void expectMenu(const QString &entry, std::function<void()> look)
+void expectMenu(const QString &entry, const std::function<void()> &look)
 {
     expect("the menu with " + entry, [=](QWidget *widget) {
         auto *menu = as<QMenu>(widget);

@@ -14,13 +14,13 @@ namespace tour {
 /// @param answer  runs while the dialog is up, and ends it
 void expectDialog(const QString &what, std::function<void(QDialog *)> answer);
 /// A message box, which gets its only button. @param look  runs before that
-void expectMessage(const QString &what, std::function<void()> look = nullptr);
+void expectMessage(const QString &what, const std::function<void()> &look = nullptr);
 /// A question, which gets Yes.
 void expectQuestion(const QString &what);
 /// A file dialog, in which the path is typed. @param look  runs before Return is pressed
-void expectFileDialog(const QString &path, std::function<void()> look = nullptr);
+void expectFileDialog(const QString &path, const std::function<void()> &look = nullptr);
 /// A menu, of which an entry is clicked. @param look  runs before the click
-void expectMenu(const QString &entry, std::function<void()> look = nullptr);
+void expectMenu(const QString &entry, const std::function<void()> &look = nullptr);
 
 /// Waits until all that was expected came up and went. @throws Error
 void dialogsDone(int limitMs = 20000);
