@@ -65,11 +65,26 @@ void QMetaObject::activate(QObject *sender, const QMetaObject *type, int signal,
     __tsan_ignore_thread_end();
 }
 
+/// The constructor of the base of every thread class of ours. The connection made here comes before
+/// all others: what the run did happened before what anybody does on hearing that it is over.
+extern "C" void constructThread(QThread *thread,
+                                QObject *parent) __asm__("_ZN7QThreadC2EP7QObject");
+
+void constructThread(QThread *thread, QObject *parent)
+{
+    static const auto real = next<void(QThread *, QObject *)>("_ZN7QThreadC2EP7QObject");
+    real(thread, parent);
+    QObject::connect(
+        thread, &QThread::finished, thread, [] { __tsan_release(&queuedSignals); },
+        Qt::DirectConnection);
+}
+
 void QThread::start(Priority priority)
 {
     static const auto real = next<void(QThread *, Priority)>("_ZN7QThread5startENS_8PriorityE");
     if (!property("orderTold").toBool()) {
         setProperty("orderTold", true);
+        // This one comes after the others: they happened before what follows a wait.
         connect(
             this, &QThread::finished, this, [this] { __tsan_release(this); }, Qt::DirectConnection);
     }
