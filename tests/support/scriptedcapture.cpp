@@ -75,18 +75,19 @@ void ScriptedCapture::failNextOpens(int count)
     opensToFail = count;
 }
 
-void ScriptedCapture::giveFrames(std::vector<cv::Mat> next)
+void ScriptedCapture::giveFrames(const std::vector<cv::Mat> &next)
 {
     Lock lock(mutex);
+    // Copies: the test and the camera's thread share no memory.
     for (const cv::Mat &frame : next)
-        frames.push_back(frame);
+        frames.push_back(frame.clone());
     changed.notify_all();
 }
 
 void ScriptedCapture::showEndlessly(const cv::Mat &frame)
 {
     Lock lock(mutex);
-    endless = frame;
+    endless = frame.clone();
 }
 
 void ScriptedCapture::stall(bool on, int limitMs)

@@ -35,7 +35,7 @@ public:
     void attach(std::vector<ScriptedDevice> devices);
     void failNextOpens(int count);
     /// The next frames, before the endless ones. An empty Mat is an empty frame.
-    void giveFrames(std::vector<cv::Mat> frames);
+    void giveFrames(const std::vector<cv::Mat> &frames);
     /// What the endless frames show; gray, three channels, 64 x 48 unless told.
     void showEndlessly(const cv::Mat &frame);
     /// Until this is over, a read waits for frames given, and gives up after `limitMs`.
