@@ -8,6 +8,7 @@
 #include "workbench/videowidget.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QFileInfo>
 #include <QGraphicsScene>
@@ -15,6 +16,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QTabBar>
@@ -218,7 +220,15 @@ void Tour::report(const QString &line) const
 QPixmap Tour::screen() const
 {
     const QRect area = window.geometry();
-    return window.screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
+    if (QSysInfo::kernelType() != QLatin1String("winnt"))
+        return window.screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
+    // There the desktop shows black where the windows are: each paints itself once more.
+    QPixmap picture = window.grab();
+    QPainter painter(&picture);
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        if (widget->isVisible() && widget != &window)
+            painter.drawPixmap(widget->geometry().topLeft() - area.topLeft(), widget->grab());
+    return picture;
 }
 
 void Tour::shoot(const QString &name) const

@@ -231,7 +231,7 @@ void TestGuiMeasure::shapesAreExportedByteForByte()
     drawAll(page);
     answers->chooseFile(window->directory.path("list.csv"));
     window->click("export_2");
-    QCOMPARE(QString::fromUtf8(window->directory.read("list.csv")),
+    QCOMPARE(QString::fromLocal8Bit(window->directory.read("list.csv")),
              QString("1,Line,\"Len = 500px\"\n"
                      "2,HLine,\"Len = 200px\"\n"
                      "3,VLine,\"Len = 200px\"\n"

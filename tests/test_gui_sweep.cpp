@@ -1,6 +1,7 @@
 #include "fusion/pictureconversion.h"
 #include "fusion/sharpness.h"
 #include "simulator/optics.h"
+#include "tests/support/drived.h"
 #include "tests/support/messagewatch.h"
 #include "tests/support/windowsweep.h"
 
@@ -91,6 +92,7 @@ private slots:
 
 private:
     std::unique_ptr<MainWindow> window;
+    std::unique_ptr<DriveD> driveD; // gets the frames
 };
 
 void TestGuiSweep::initTestCase() { static MessageWatch watch; }
@@ -98,8 +100,7 @@ void TestGuiSweep::initTestCase() { static MessageWatch watch; }
 void TestGuiSweep::init()
 {
     window = std::make_unique<MainWindow>(keepFrames);
-    // Where there are no drives the frames go into a folder of that name.
-    QVERIFY(QDir().mkdir("d:"));
+    driveD = std::make_unique<DriveD>("d:");
     simulatedMicroscope().setNoise(false);
     (*window)->show();
 }
@@ -107,6 +108,7 @@ void TestGuiSweep::init()
 void TestGuiSweep::cleanup()
 {
     window.reset();
+    driveD.reset();
     QVERIFY2(MessageWatch::complaints().isEmpty(),
              qPrintable(MessageWatch::complaints().join('\n')));
 }
@@ -224,7 +226,9 @@ void TestGuiSweep::everyFrameIsTakenInFocusAtItsPosition()
     QCOMPARE(sweep.frames, 12);
     for (int i = 0; i < 12; ++i) {
         const int position = startPos + i * step;
-        const QByteArray frame = window->directory.read(QString("d:/%1.jpg").arg(i));
+        QFile file(driveD->path(QString("%1.jpg").arg(i)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray frame = file.readAll();
         if (frame != fileOfFrame(position))
             QCOMPARE(positionOf(frame), position);
     }

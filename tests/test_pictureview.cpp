@@ -124,8 +124,9 @@ public:
     }
 };
 
-// An edge that is smoothed in parts, or in a layer first, is rounded differently.
-constexpr int rounding = 8;
+// An edge that is smoothed in parts, or in a layer first, is rounded differently. Windows corrects
+// the brightness of text on opaque ground alone.
+const int rounding = QSysInfo::kernelType() == "winnt" ? 64 : 8;
 
 /// How far the screen is from what it shows when all of it is painted anew.
 int leftBehind(PageAtWork &at)

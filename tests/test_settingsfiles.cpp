@@ -528,7 +528,8 @@ void TestSettingsFiles::anUnwritableDirectoryGoesUnnoticed()
     // The directory vanishes, so that not even an administrator can write there.
     QDir().mkdir("gone");
     QDir::setCurrent("gone");
-    QDir("..").rmdir("gone");
+    if (!QDir("..").rmdir("gone"))
+        QSKIP("This system keeps the directory that a program works in.");
     writeCalibrations({{"a", 1, "mm", 1}});
     QVERIFY(readCalibrations().isEmpty());
 }

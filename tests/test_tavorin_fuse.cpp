@@ -25,8 +25,9 @@ Run fuse(const QStringList &arguments)
     process.start(TAVORIN_FUSE, arguments);
     if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
         return {};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    // Windows ends lines with CR and LF.
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()).remove('\r'),
+            QString::fromUtf8(process.readAllStandardError()).remove('\r')};
 }
 
 cv::Mat frame(int index)
@@ -171,6 +172,8 @@ void TestTavorinFuse::readsEveryFormat()
 {
     QFETCH(QString, suffix);
     const QString name = "picture." + suffix;
+    if (!cv::haveImageWriter(name.toStdString()))
+        QSKIP("This build of the library has no codec for it.");
     QVERIFY(cv::imwrite(name.toStdString(), frame(1)));
     QCOMPARE(fuse({name, "-o", "result.png"}).code, 0);
     QVERIFY(isSame(cv::imread("result.png"), cv::imread(name.toStdString())));
@@ -182,6 +185,8 @@ void TestTavorinFuse::writesEveryFormat()
 {
     QFETCH(QString, suffix);
     const QString name = "result." + suffix;
+    if (!cv::haveImageWriter(name.toStdString()))
+        QSKIP("This build of the library has no codec for it.");
     cv::imwrite("picture.png", frame(1));
     QCOMPARE(fuse({"picture.png", "-o", name}).code, 0);
     const cv::Mat result = cv::imread(name.toStdString());

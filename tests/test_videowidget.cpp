@@ -338,7 +338,9 @@ void TestVideoWidget::overlayPaintsWhatAPlainViewPaints()
     QFETCH(int, step);
     LivePicture live;
     live.scene.addEllipse(30, 10, 61, 43, QPen(Qt::green, 3));
-    live.scene.addText("Len = 100px")->setPos(20, 30);
+    // Windows corrects the brightness of text on opaque ground alone.
+    if (QSysInfo::kernelType() != "winnt")
+        live.scene.addText("Len = 100px")->setPos(20, 30);
     CountingItem *item = live.addItem({50, 20, 30, 30}, Qt::cyan);
     item->setZValue(-1);
     live.showFrame(Qt::blue);

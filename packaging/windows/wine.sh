@@ -1,7 +1,7 @@
 # Sourced by the steps that run Windows programs: a Windows of their own in build/windows/wine, with
 # a drive D: and the built libraries in reach.
 export WINEPREFIX=$output/wine WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
-export WINEPATH="Z:$prefix/bin;Z:$prefix/x64/mingw/bin;Z:/usr/x86_64-w64-mingw32/lib;Z:$(
+export WINEPATH="Z:$prefix/bin;Z:/usr/x86_64-w64-mingw32/lib;Z:$(
     dirname "$(x86_64-w64-mingw32-gcc -print-file-name=libgcc_s_seh-1.dll)")"
 # File names in any alphabet reach the disk as UTF-8.
 export LC_ALL=C.UTF-8
