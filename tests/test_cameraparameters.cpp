@@ -361,6 +361,7 @@ private slots:
         QTest::newRow("negative") << -12.9 << -12;
         QTest::newRow("between minus one and zero") << -0.5 << 0;
         QTest::newRow("largest") << 2147483647.5 << std::numeric_limits<int>::max();
+        QTest::newRow("smallest") << -2147483648.0 << std::numeric_limits<int>::min();
         QTest::newRow("more than an int holds") << 1e300 << -1;
         QTest::newRow("infinite") << -std::numeric_limits<double>::infinity() << -1;
         QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << -1;

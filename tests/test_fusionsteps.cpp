@@ -193,6 +193,7 @@ private slots:
     void otherModesLeaveTheWeights();
     void resultIsRoundedAndSaturated();
     void differentSizesAreRefused();
+    void otherKindsOfPicturesAreRefused();
     void timingLinesComeInTheirOrderWithoutLineEnds();
 
     void everyStepIsTheLiteralOne_data();
@@ -370,6 +371,16 @@ void TestFusionSteps::differentSizesAreRefused()
         QVERIFY_EXCEPTION_THROWN(fused({noise(size, 2), small}), cv::Exception);
     }
     QVERIFY_EXCEPTION_THROWN(fused({small, cv::Mat()}), cv::Exception);
+}
+
+void TestFusionSteps::otherKindsOfPicturesAreRefused()
+{
+    const cv::Mat picture = noise({30, 30}, 1);
+    for (const int type : {CV_8UC1, CV_8UC4, CV_16UC3, CV_32FC3}) {
+        const cv::Mat other(30, 30, type, cv::Scalar::all(7));
+        QVERIFY_EXCEPTION_THROWN(fused({picture, other}), cv::Exception);
+        QVERIFY_EXCEPTION_THROWN(fused({other, picture}), cv::Exception);
+    }
 }
 
 void TestFusionSteps::timingLinesComeInTheirOrderWithoutLineEnds()

@@ -229,6 +229,10 @@ void TestPictureFile::pngCarriesItsScale()
     // 3 125 000 dots both ways, unit metre.
     QCOMPARE(bytes.mid(at + 4, 9).toHex(), QByteArray("002faf08002faf0801"));
     QCOMPARE(readPicture("a.png").size(), QSize(40, 30));
+    // A dot a metre is the coarsest.
+    QVERIFY(writePicture(sample(), "b.png", 100, 1.0));
+    const QByteArray coarse = directory.read("b.png");
+    QCOMPARE(coarse.mid(coarse.indexOf("pHYs") + 4, 9).toHex(), QByteArray("000000010000000101"));
 }
 
 void TestPictureFile::bmpCarriesItsScale()
