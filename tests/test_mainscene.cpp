@@ -125,6 +125,7 @@ private slots:
 
     // the live page's size
     void resizeCarriesShapesOver();
+    void resizeCarriesAMovedLabelOver();
     void resizeCarriesTheShapeUnderConstruction();
     void lockedCoordinateStaysWhereItWas();
     void resizeCarriesTheFocusRectangle();
@@ -1046,6 +1047,28 @@ void TestMainScene::resizeCarriesShapesOver()
     QVERIFY(scene.items()[1]->textContent().startsWith("R = 160px\n"));
     // The label stands at the rectangle's centre.
     QCOMPARE(scene.items()[0]->text()->pos(), QPointF(45, 42.5));
+}
+
+void TestMainScene::resizeCarriesAMovedLabelOver()
+{
+    PageScene scene;
+    SceneMouse mouse(scene);
+    scene.setViewScale(400, 1600);
+    scene.setDrawType(7);
+    mouse.click({{40, 60}, {140, 110}});
+    painted(scene);
+    GraphicsText *label = scene.items()[0]->text();
+    QCOMPARE(label->pos(), QPointF(90, 85));
+    label->setSelected(true);
+    label->setPos(120, 105);
+    label->setSelected(false);
+    scene.setViewScale(200, 1600);
+    scene.setSceneRect(0, 0, 200, 150);
+    scene.refreshItems();
+    // The rectangle's centre and half the way that the label was moved.
+    QCOMPARE(label->pos(), QPointF(45 + 15, 42.5 + 10));
+    painted(scene);
+    QCOMPARE(label->pos(), QPointF(45 + 15, 42.5 + 10));
 }
 
 void TestMainScene::resizeCarriesTheShapeUnderConstruction()

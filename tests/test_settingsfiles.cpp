@@ -87,6 +87,7 @@ private slots:
     void rubbishIsNoFile();
     void somethingElseThanAFileIsLeftAlone();
     void anUnwritableDirectoryGoesUnnoticed();
+    void aFileOfMoreThan16MegabytesIsNotRead();
     void aWriteLeavesNoOtherFileBehind();
 
 private:
@@ -521,6 +522,16 @@ void TestSettingsFiles::somethingElseThanAFileIsLeftAlone()
     writeFilePath("D:/");
     QCOMPARE(readFilePath(), QString());
     QVERIFY(QFileInfo("config.ini").isDir());
+}
+
+void TestSettingsFiles::aFileOfMoreThan16MegabytesIsNotRead()
+{
+    const QByteArray settings = "[base]\nfilePath=D:/pictures\n;";
+    const int most = 16 * 1024 * 1024;
+    directory->write("config.ini", settings + QByteArray(most - settings.size(), '-'));
+    QCOMPARE(readFilePath(), QString("D:/pictures"));
+    directory->write("config.ini", settings + QByteArray(most + 1 - settings.size(), '-'));
+    QCOMPARE(readFilePath(), QString());
 }
 
 void TestSettingsFiles::anUnwritableDirectoryGoesUnnoticed()
