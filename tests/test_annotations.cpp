@@ -687,7 +687,7 @@ void TestAnnotations::everyShapeIsAnnouncedHoweverLongTheEventsTake()
     PageScene scene;
     QSet<Base *> announced;
     connect(&scene, &MainScene::itemUpdate, this, [&](Base *record) { announced.insert(record); });
-    later(&scene, [] { QTest::qSleep(150); });
+    later(&scene, [] { QTest::qSleep(150); }); // the events that cost a while
     QByteArray json = "[";
     for (int i = 0; i < 300; ++i)
         json += R"({"type":7,"point":[{"x":10,"y":10},{"x":60,"y":70}]},)";

@@ -190,7 +190,7 @@ private slots:
 
 private:
     /// Connects the simulated microscope through the device panel.
-    static void connectCamera(const MainWindow &window, ModalAnswers &answers);
+    static void showWithPanelOpen(const MainWindow &window, ModalAnswers &answers);
     static void addDialogs();
 };
 
@@ -205,8 +205,10 @@ void TestFace::initTestCase()
 
 void TestFace::cleanup() { simulatedMicroscope().attach({}); }
 
-void TestFace::connectCamera(const MainWindow &window, ModalAnswers &answers)
+/// The window with a camera connected and every group of its panel open.
+void TestFace::showWithPanelOpen(const MainWindow &window, ModalAnswers &answers)
 {
+    window->show();
     answers.press(QMessageBox::Ok);
     simulatedMicroscope().plugIn({"Orvane_A", "a"});
     window.click("deviceManager");
@@ -214,6 +216,8 @@ void TestFace::connectCamera(const MainWindow &window, ModalAnswers &answers)
     window.part("page_1")->findChild<QRadioButton *>()->click();
     QTRY_VERIFY(window.part("configManager")->isEnabled());
     QTRY_VERIFY(answers.allAnswered());
+    window.click("configManager");
+    openAllGroups(window);
 }
 
 // ---- Texts
@@ -230,10 +234,7 @@ void TestFace::noTextOfTheWindowIsCutOff()
     QFETCH(bool, english);
     ModalAnswers answers;
     MainWindow window;
-    window->show();
-    connectCamera(window, answers);
-    window.click("configManager");
-    openAllGroups(window);
+    showWithPanelOpen(window, answers);
     // In the other language first, at whose widths everything has been laid out by then.
     english ? window->on_actionchinese_triggered() : window->on_actionenglish_triggered();
     QCoreApplication::processEvents();
@@ -386,10 +387,7 @@ void TestFace::tabMeetsEveryControlOfThePanels()
 {
     ModalAnswers answers;
     MainWindow window;
-    window->show();
-    connectCamera(window, answers);
-    window.click("configManager");
-    openAllGroups(window);
+    showWithPanelOpen(window, answers);
     window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
     for (const char *panel : {"deviceManager", "configManager", "compose"}) {

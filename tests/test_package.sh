@@ -26,7 +26,7 @@ scratch=$(mktemp -d)
 pid=
 trap 'if [ -n "$pid" ]; then kill "$pid" 2>/dev/null || true; fi; rm -rf "$scratch"' EXIT
 root=$scratch/root
-mkdir -p "$root"/var/lib/dpkg/{info,updates,triggers} "$scratch"/{home/图片,work,run,tmp}
+mkdir -p "$root"/var/lib/dpkg/{info,updates,triggers} "$scratch"/{home/图片,desk,run,tmp}
 chmod 700 "$scratch/run"
 touch "$root/var/lib/dpkg/status"
 manage() {
@@ -73,7 +73,7 @@ inside=(env -i PATH="$root/usr/bin:/usr/bin:/bin" HOME="$home" DISPLAY="$DISPLAY
 # Starts a program from a directory of the user's, waits for its window, and takes it down.
 try_program() {
     local program=$1 window= folder=$home/.config/$1
-    cd "$scratch/work"
+    cd "$scratch/desk"
     touch picture.png
     "${inside[@]}" "$program" picture.png --no-file 2>"$scratch/$program.err" &
     pid=$!
@@ -89,7 +89,7 @@ try_program() {
     [ "$(readlink "/proc/$pid/exe")" = "$root/usr/libexec/tavorin/$program" ] || fail "wrong program"
     [ "$(readlink "/proc/$pid/cwd")" = "$folder" ] || fail "$program runs outside its folder"
     [ "$(tr '\0' ' ' <"/proc/$pid/cmdline")" = \
-        "$root/usr/libexec/tavorin/$program $scratch/work/picture.png --no-file " ] ||
+        "$root/usr/libexec/tavorin/$program $scratch/desk/picture.png --no-file " ] ||
         fail "arguments of $program"
     kill "$pid"
     wait "$pid" || true

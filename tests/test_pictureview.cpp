@@ -3,6 +3,7 @@
 #include "measure/graphicspoint.h"
 #include "measure/graphicstext.h"
 #include "tests/support/shownpage.h"
+#include "tests/support/system.h"
 #include "workbench/pictureview.h"
 
 #include <QBackingStore>
@@ -126,7 +127,7 @@ public:
 
 // An edge that is smoothed in parts, or in a layer first, is rounded differently. Windows corrects
 // the brightness of text on opaque ground alone.
-const int rounding = QSysInfo::kernelType() == "winnt" ? 64 : 8;
+const int rounding = onWindows() ? 64 : 8;
 
 /// How far the screen is from what it shows when all of it is painted anew.
 int leftBehind(PageAtWork &at)

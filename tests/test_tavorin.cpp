@@ -8,6 +8,7 @@
 #include "tests/support/messagewatch.h"
 #include "tests/support/modalanswers.h"
 #include "tests/support/scenemouse.h"
+#include "tests/support/system.h"
 
 #include <QActionGroup>
 #include <QButtonGroup>
@@ -1553,7 +1554,7 @@ void TestTavorin::languageIsNotStored()
 
 void TestTavorin::missingFontIsToldAtStart()
 {
-    if (QSysInfo::kernelType() == "winnt")
+    if (onWindows())
         QSKIP("Windows brings its fonts.");
     WorkingDirectory directory;
     directory.write("fonts.conf", "<?xml version=\"1.0\"?><fontconfig/>\n");

@@ -1,3 +1,4 @@
+#include "tests/support/system.h"
 #include "workbench/graphicsview.h"
 #include "workbench/videowidget.h"
 
@@ -339,7 +340,7 @@ void TestVideoWidget::overlayPaintsWhatAPlainViewPaints()
     LivePicture live;
     live.scene.addEllipse(30, 10, 61, 43, QPen(Qt::green, 3));
     // Windows corrects the brightness of text on opaque ground alone.
-    if (QSysInfo::kernelType() != "winnt")
+    if (!onWindows())
         live.scene.addText("Len = 100px")->setPos(20, 30);
     CountingItem *item = live.addItem({50, 20, 30, 30}, Qt::cyan);
     item->setZValue(-1);

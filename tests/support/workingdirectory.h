@@ -1,9 +1,10 @@
 #pragma once
 
+#include "tests/support/system.h"
+
 #include <QDir>
 #include <QFile>
 #include <QMap>
-#include <QSysInfo>
 #include <QTemporaryDir>
 
 /// A fresh, empty working directory for as long as the object lives.
@@ -25,7 +26,7 @@ public:
         if (!file.open(QIODevice::ReadOnly))
             return {};
         const QByteArray bytes = file.readAll();
-        if (QSysInfo::kernelType() != QLatin1String("winnt"))
+        if (!onWindows())
             return bytes;
         if (name.endsWith(QLatin1String(".csv")))
             return QByteArray(bytes).replace("\r\n", "\n");

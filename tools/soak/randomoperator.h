@@ -8,6 +8,7 @@
 
 class Dice;
 class QAbstractButton;
+class QFileDialog;
 class QWidget;
 class ShowWidget;
 class Tavorin;
@@ -35,7 +36,7 @@ private:
     void actOnWindow(Dice &dice);
     void answer(QWidget *dialog, Dice &dice);
     void answerMenu(QWidget *menu, Dice &dice);
-    void answerFile(QWidget *dialog, Dice &dice);
+    void answerFile(QFileDialog *files, Dice &dice);
 
     void drawOnPage(Dice &dice);
     void chooseTool(Dice &dice);

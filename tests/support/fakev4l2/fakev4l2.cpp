@@ -464,6 +464,7 @@ bool waitFor(Handle &handle, milliseconds limit)
     while (!handle.ready()) {
         if (Clock::now() >= end)
             return false;
+        // The orders to a camera stand in files, which tell nobody of a change.
         std::this_thread::sleep_for(milliseconds(1));
     }
     return true;
