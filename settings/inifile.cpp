@@ -49,13 +49,19 @@ QByteArray madeSafe(const QByteArray &bytes)
 
 /// Whether a file has a line for each key. Values hold no line ends, so that what is cut off is
 /// short of a line or of the last one's end.
-bool isWhole(const QByteArray &bytes, int keys)
+bool isWhole(const QByteArray &bytes, QStringList keys)
 {
+    // A key of a section without a name is written like one of no section, and may share its line.
+    for (QString &key : keys)
+        if (key.lastIndexOf('/') == 0)
+            key.remove(0, 1);
+    keys.removeDuplicates();
     const QByteArrayList lines = bytes.split('\n');
     const auto isKey = [](const QByteArray &line) {
         return !line.trimmed().isEmpty() && !line.startsWith('[');
     };
-    return lines.last().isEmpty() && std::count_if(lines.begin(), lines.end(), isKey) == keys;
+    return lines.last().isEmpty() &&
+           std::count_if(lines.begin(), lines.end(), isKey) >= keys.size();
 }
 
 bool write(QFileDevice &file, const QByteArray &bytes)
@@ -93,7 +99,7 @@ void IniFile::store()
     if (!isReplaceable)
         return;
     isReplaceable = false;
-    const int keys = settings->allKeys().size();
+    const QStringList keys = settings->allKeys();
     QFile copy(settings->fileName());
     settings.reset(); // writes it
     if (!copy.open(QIODevice::ReadOnly))

@@ -80,6 +80,7 @@ private slots:
     void aHostileValueIsReadAsText();
     void aHostileFileIsNotTouchedByReading();
     void aHostileFileCanStillBeWritten();
+    void sectionsWithoutANameCanStillBeWritten();
     void aFileThatWasRewrittenAtOnceIsReadAnew();
     void aTextThatLooksLikeAValueKeepsItsSecret();
     void everyTruncationIsSurvived();
@@ -455,6 +456,15 @@ void TestSettingsFiles::aHostileFileCanStillBeWritten()
                      "[draw]\nTextColor=" + variant(listType, nestedLists(300000)) + "\n");
     writeDrawSetting(LineWidth, 2);
     QCOMPARE(readDrawSettings()[LineWidth].toInt(), 2);
+}
+
+void TestSettingsFiles::sectionsWithoutANameCanStillBeWritten()
+{
+    // Both keys are one when the file is written again.
+    directory->write("config.ini", "size=4\n[]\nsize=5\n");
+    writeFilePath("C:/");
+    QCOMPARE(readFilePath(), QString("C:/"));
+    QVERIFY(directory->read("config.ini").contains("size="));
 }
 
 void TestSettingsFiles::aTextThatLooksLikeAValueKeepsItsSecret()
