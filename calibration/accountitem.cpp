@@ -19,7 +19,6 @@ AccountItem::AccountItem(const CalibrationRecord &record, QWidget *parent)
     label->setText(text_);
     label->setTextFormat(Qt::PlainText);
     label->setIndent(4);
-    label->setMinimumWidth(1); // a long text never pushes the button out of the row
     setToolTip(text_);
 
     const QPixmap mark(":/pic/del.png");

@@ -40,6 +40,8 @@ private slots:
     void offsetSegmentsFollowTheHandles();
     void distanceIsAnnouncedWhenItChangesSomething();
     void thirdSegmentIsNotClickableWithoutTheSecond();
+    void movedShapeIsFoundAtItsNewPlace_data();
+    void movedShapeIsFoundAtItsNewPlace();
 
     void perpendicularBeyondAnEndIsProlonged();
     void perpendicularOnTheSegmentIsNot();
@@ -403,6 +405,39 @@ void TestSegmentItems::thirdSegmentIsNotClickableWithoutTheSecond()
     record->setLineDistance1(20.0);
     QVERIFY(record->item()->shape().contains(QPointF(150, 120)));
     QVERIFY(record->item()->shape().contains(QPointF(150, 150)));
+}
+
+void TestSegmentItems::movedShapeIsFoundAtItsNewPlace_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<Points>("clicks");
+    QTest::addColumn<QPointF>("before");
+    QTest::addColumn<QPointF>("end");
+    QTest::addColumn<QPointF>("after");
+    QTest::newRow("Line") << 1 << Points{{100, 100}, {200, 100}} << QPointF(150, 100)
+                          << QPointF(100, 700) << QPointF(100, 600);
+    QTest::newRow("Ver") << 5 << Points{{100, 100}, {300, 100}, {200, 150}} << QPointF(200, 130)
+                         << QPointF(900, 700) << QPointF(900, 600);
+    QTest::newRow("Ang") << 6 << Points{{100, 100}, {200, 100}, {100, 150}, {100, 250}}
+                         << QPointF(100, 200) << QPointF(900, 150) << QPointF(800, 150);
+    QTest::newRow("Rect") << 7 << Points{{100, 100}, {200, 200}} << QPointF(150, 200)
+                          << QPointF(900, 700) << QPointF(500, 700);
+}
+
+void TestSegmentItems::movedShapeIsFoundAtItsNewPlace()
+{
+    QFETCH(int, type);
+    QFETCH(Points, clicks);
+    QFETCH(QPointF, before);
+    QFETCH(QPointF, end);
+    QFETCH(QPointF, after);
+    ShapeScene shapes;
+    const QGraphicsScene &scene = shapes.scene;
+    Base *record = shapes.place(type, clicks);
+    QVERIFY(scene.items(before).contains(record->item()));
+    record->moveLastPoint(end);
+    QVERIFY(scene.items(after).contains(record->item()));
+    QVERIFY(!scene.items(before).contains(record->item()));
 }
 
 void TestSegmentItems::perpendicularBeyondAnEndIsProlonged()
