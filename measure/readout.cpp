@@ -34,12 +34,6 @@ ReadoutValue named(const QString &name, double value, bool isArea, bool isAngle)
 
 } // namespace
 
-bool ReadoutValue::operator==(const ReadoutValue &other) const
-{
-    return format == other.format && value == other.value && isArea == other.isArea &&
-           isAngle == other.isAngle;
-}
-
 ReadoutValue length(const QString &name, double value) { return named(name, value, false, false); }
 
 ReadoutValue area(const QString &name, double value) { return named(name, value, true, false); }

@@ -10,8 +10,6 @@ struct ReadoutValue
     double value = 0.0; ///< in scene units, square scene units or degrees
     bool isArea = false;
     bool isAngle = false; ///< degrees whatever the unit
-
-    bool operator==(const ReadoutValue &other) const;
 };
 
 using Readout = QList<ReadoutValue>;

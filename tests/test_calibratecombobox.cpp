@@ -68,6 +68,7 @@ private slots:
 
     void withoutAFileTheListIsEmpty();
     void theStoredRowsAreBackAndNoneIsInForce();
+    void theStoredFileIsOnlyRead();
     void theTextOfARow_data();
     void theTextOfARow();
     void theFormOfARow();
@@ -114,6 +115,15 @@ void TestCalibrateComboBox::theStoredRowsAreBackAndNoneIsInForce()
     QCOMPARE(f.text(), QString());
     QCOMPARE(f.box.currentIndex(), -1);
     QCOMPARE(f.changes.count(), 0);
+}
+
+void TestCalibrateComboBox::theStoredFileIsOnlyRead()
+{
+    const QByteArray asEdited = "; by hand\n[calibrate]\nsize=1\n1\\name=x5\n";
+    directory->write("calibration.ini", asEdited);
+    const Fixture f;
+    QCOMPARE(f.box.count(), 1);
+    QCOMPARE(directory->read("calibration.ini"), asEdited);
 }
 
 void TestCalibrateComboBox::theTextOfARow_data()

@@ -82,8 +82,10 @@ private slots:
     void rightPressWithTheHandLeavesTheToolToo();
     void otherButtonsAreLeftToTheWindow();
     void doubleClickEndsAPolygonWithItsVertices();
+    void threeVerticesMakeAPolygon();
     void doubleClickBelowThreeVerticesDropsThePolygon();
     void tenthClickEndsAPolygon();
+    void hiddenShapeUnderConstructionShowsWhenItIsFinished();
     void doubleClickOnOtherShapesAddsNoPoint();
     void textIsReadyForEditingWhenItIsInTheList();
     void calibrationToolsReportTheirLength();
@@ -445,6 +447,18 @@ void TestMainScene::doubleClickEndsAPolygonWithItsVertices()
     QCOMPARE(scene.items().constFirst()->textContent(), QString("CLen = 300px\nArea = 5000px"));
 }
 
+void TestMainScene::threeVerticesMakeAPolygon()
+{
+    PageScene scene;
+    SceneMouse mouse(scene);
+    scene.setDrawType(11);
+    mouse.click({{10, 10}, {110, 10}, {110, 60}});
+    mouse.doubleClick({110, 60});
+    QCOMPARE(scene.items().size(), 1);
+    QCOMPARE(handles(scene.items().constFirst()),
+             (QList<QPointF>{{10, 10}, {110, 10}, {110, 60}}));
+}
+
 void TestMainScene::doubleClickBelowThreeVerticesDropsThePolygon()
 {
     PageScene scene;
@@ -471,6 +485,19 @@ void TestMainScene::tenthClickEndsAPolygon()
     QCOMPARE(scene.items().size(), 1);
     QCOMPARE(scene.items().constFirst()->pointCount(), 10);
     QCOMPARE(handles(scene.items().constFirst()).last(), QPointF(100, 200));
+}
+
+void TestMainScene::hiddenShapeUnderConstructionShowsWhenItIsFinished()
+{
+    PageScene scene;
+    SceneMouse mouse(scene);
+    scene.setCurrentHidden(true);
+    scene.setDrawType(1);
+    mouse.click({10, 10});
+    QVERIFY(!scene.current()->item()->isVisible());
+    mouse.click({110, 10});
+    QCOMPARE(scene.items().size(), 1);
+    QVERIFY(scene.items().constFirst()->item()->isVisible());
 }
 
 void TestMainScene::doubleClickOnOtherShapesAddsNoPoint()

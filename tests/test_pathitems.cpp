@@ -161,6 +161,8 @@ void TestPathItems::ringHasACircleForEachDistance_data()
     QTest::newRow("none") << 0.0 << 0.0 << "" << 1;
     QTest::newRow("as large as the radius") << 100.0 << 100.0 << "" << 1;
     QTest::newRow("larger than the radius") << 150.0 << 50.0 << third << 2;
+    QTest::newRow("within a pixel of the centre")
+        << 0.0 << 99.5 << "R3 = 0.5um\nCLen3 = 3.14159um\nArea3 = 0.785398um" << 2;
     QTest::newRow("negative") << -20.0 << -50.0 << "" << 1;
     QTest::newRow("not a number") << std::nan("") << double(HUGE_VAL) << "" << 1;
 }

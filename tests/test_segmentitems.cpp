@@ -57,6 +57,8 @@ private slots:
 
     void degenerateShapesAreQuietAndComeToRest_data();
     void degenerateShapesAreQuietAndComeToRest();
+    void shapesUnderConstructionComeToRest_data();
+    void shapesUnderConstructionComeToRest();
 };
 
 namespace {
@@ -603,6 +605,28 @@ void TestSegmentItems::degenerateShapesAreQuietAndComeToRest()
     record->item()->setPos(10, 10);
     shapes.paint();
     QCOMPARE(quiet.messages(), QStringList());
+}
+
+void TestSegmentItems::shapesUnderConstructionComeToRest_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("Par") << 4;
+    QTest::newRow("Ver") << 5;
+    QTest::newRow("Ang") << 6;
+}
+
+void TestSegmentItems::shapesUnderConstructionComeToRest()
+{
+    QFETCH(int, type);
+    ShapeScene shapes;
+    Base *record = shapes.begin(type);
+    record->addPoint({100, 100}, 1.0);
+    record->moveLastPoint({200, 150});
+    shapes.paint();
+    QVERIFY(shapes.updates > 0);
+    shapes.updates = 0;
+    shapes.paint();
+    QCOMPARE(shapes.updates, 0);
 }
 
 QTEST_MAIN(TestSegmentItems)

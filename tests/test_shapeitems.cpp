@@ -34,6 +34,7 @@ private slots:
     void shapeStopsAtTheEdges();
     void fastDragStopsAtTheEdgeToo();
     void shapeKeepsItsPlaceWhenItIsUnselectedBeforeThePaint();
+    void shapeMovedWithoutBeingSelectedLeavesItsHandles();
     void draggedLevelLineTakesItsHandlesAlong();
     void draggedShapeKeepsItsLocalGeometry();
     void shapeAndHandleDragTogether();
@@ -280,6 +281,14 @@ void TestShapeItems::shapeKeepsItsPlaceWhenItIsUnselectedBeforeThePaint()
     record->item()->setSelected(false);
     shapes.paint();
     QCOMPARE(handlesOf(record), (QVector<QPointF>{{650, 460}, {550, 560}, {450, 460}}));
+}
+
+void TestShapeItems::shapeMovedWithoutBeingSelectedLeavesItsHandles()
+{
+    ShapeScene shapes;
+    Base *record = shapes.place(1, {{100, 100}, {200, 100}});
+    record->item()->setPos(30, 40);
+    QCOMPARE(handlesOf(record), (QVector<QPointF>{{100, 100}, {200, 100}}));
 }
 
 void TestShapeItems::draggedLevelLineTakesItsHandlesAlong()
