@@ -158,7 +158,7 @@ private slots:
     void loadingManualModesReadsTheCameraAgain();
     void loadingEnablesTheFocusSliderUnlessAutofocusIsOn();
     void loadingNeverUnchecksFlipsAndReflection();
-    void loadingTheSmallAreaSelectsIt();
+    void loadingSelectsTheSizeOfTheArea();
     void loadingSaturationZeroChecksBlackAndWhite();
     void loadingASaturationUnchecksBlackAndWhite();
     void loadingShowsTheGreenGainAsPictureQuality();
@@ -1086,11 +1086,15 @@ void TestCameraSetWidget2::loadingNeverUnchecksFlipsAndReflection()
     QVERIFY(box(13).isChecked());
 }
 
-void TestCameraSetWidget2::loadingTheSmallAreaSelectsIt()
+void TestCameraSetWidget2::loadingSelectsTheSizeOfTheArea()
 {
     areaSize().setCurrentIndex(1);
-    panel->loadCameraInfo(automaticRecord());
+    CameraInfo info = automaticRecord();
+    panel->loadCameraInfo(info);
     QCOMPARE(areaSize().currentIndex(), 0);
+    info.functionWord += FunctionWord::LargeFocusArea;
+    panel->loadCameraInfo(info);
+    QCOMPARE(areaSize().currentIndex(), 1);
 }
 
 void TestCameraSetWidget2::loadingSaturationZeroChecksBlackAndWhite()
