@@ -197,6 +197,8 @@ void TestPictureFile::jpegCarriesItsScale_data()
     QTest::addColumn<double>("dotsPerMetre");
     QTest::addColumn<QByteArray>("density"); // unit, dots across, dots down
 
+    QTest::newRow("the finest is 65535 a centimetre")
+        << 6553500.0 << QByteArray::fromHex("02ffffffff");
     QTest::newRow("10 um a pixel is 1000 a centimetre")
         << 100000.0 << QByteArray::fromHex("0203e803e8");
     QTest::newRow("6.35 um a pixel is 4000 an inch")
