@@ -231,6 +231,12 @@ void TestPictureView::showsWhatThePlainViewShows_data()
     row("zoomed out", [](PageAtWork &at) { at.page.setZoom(0.6); });
     row("resized", [](PageAtWork &at) { at.page.resize(500, 300); });
     row("another picture", [](PageAtWork &at) { at.page.setPicture(plainPicture(500, 400)); });
+    // A little of it: the plain view has no grid behind its picture.
+    row("a picture that lets the page through", [](PageAtWork &at) {
+        QPixmap picture(500, 400);
+        picture.fill(QColor(0, 200, 0, 220));
+        at.page.setPicture(picture);
+    });
     row("edges not smoothed", [](PageAtWork &at) { at.page.setDrawProperty(Antialiasing, false); });
     row("language", [](PageAtWork &at) { at.page.retranslate(); });
 }
