@@ -86,10 +86,15 @@ bool isExact()
 
 } // namespace
 
-void gradientMagnitude(const cv::Mat &picture, cv::Range rows, const cv::Mat &magnitude)
+bool isGradientOnePass()
 {
     static const bool exact = isExact();
-    if (exact)
+    return exact;
+}
+
+void gradientMagnitude(const cv::Mat &picture, cv::Range rows, const cv::Mat &magnitude)
+{
+    if (isGradientOnePass())
         ownMagnitude(picture, rows, magnitude.rowRange(0, rows.size()));
     else
         libraryMagnitude(picture.rowRange(rows), magnitude.rowRange(0, rows.size()));

@@ -9,3 +9,7 @@
 /// @param rows       the rows wanted
 /// @param magnitude  `CV_32F`, receives them from its first row on
 void gradientMagnitude(const cv::Mat &picture, cv::Range rows, const cv::Mat &magnitude);
+
+/// Whether it is one pass here. Where the library adds in another order, which depends on the
+/// processor, `cv::Sobel` itself is called. Found out once, on a small picture.
+bool isGradientOnePass();

@@ -192,6 +192,7 @@ private slots:
     void secondModeClampsWithoutDividing();
     void otherModesLeaveTheWeights();
     void resultIsRoundedAndSaturated();
+    void constantBlocksAreTakenFromTheirFrame();
     void differentSizesAreRefused();
     void otherKindsOfPicturesAreRefused();
     void timingLinesComeInTheirOrderWithoutLineEnds();
@@ -201,6 +202,8 @@ private slots:
     void streamedWeightsAreTheLibrarysOnAnyGuide_data();
     void streamedWeightsAreTheLibrarysOnAnyGuide();
     void streamedFilterIsChosenHere();
+    void gradientIsOnePassHere();
+    void blocksFarFromAnEdgeOfTheSelectionAreToldAsConstant();
     void smallPicturesOfEverySizeFuseLiterally_data();
     void smallPicturesOfEverySizeFuseLiterally();
     void picturesOfTooFewRowsHaveTheirSharpnessAndGradient();
@@ -363,6 +366,29 @@ void TestFusionSteps::resultIsRoundedAndSaturated()
     QCOMPARE(sum(std::numeric_limits<float>::quiet_NaN(), 1.0f), 0);
 }
 
+void TestFusionSteps::constantBlocksAreTakenFromTheirFrame()
+{
+    constexpr auto zero = BlockKind::AllZero, one = BlockKind::AllOne, mixed = BlockKind::Mixed;
+    const std::vector<BlockKind> first = {one, one, zero, one, mixed, zero, zero, mixed, one};
+    const std::vector<BlockKind> second = {zero, zero, one, zero, zero, mixed, one, mixed, zero};
+    // The weights count in blocks that are not constant in both frames alone.
+    const std::vector<int> expected = {200, 200, 100, 200, 150, 150, 100, 150, 200};
+    const int count = int(first.size()) * blockSize - 3;
+    const std::vector<uchar> a(size_t(3 * count), 200), b(size_t(3 * count), 100);
+    const std::vector<float> half(first.size() * blockSize, 0.5f);
+    std::vector<uchar> out(size_t(3 * count));
+    reconstruct({a.data(), b.data()}, {half.data(), half.data()}, {first.data(), second.data()},
+                out.data(), count);
+    for (int i = 0; i < 3 * count; ++i)
+        QCOMPARE(int(out[size_t(i)]), expected[size_t(i / (3 * blockSize))]);
+
+    std::vector<float> left(half.size(), 1.5f), right(half.size(), 0.5f);
+    normaliseWeights({left.data(), right.data()}, {first.data(), second.data()}, count, 2);
+    const std::vector<float> clamped = {1.5f, 1.5f, 1.5f, 1.5f, 1.0f, 1.0f, 1.5f, 1.0f, 1.5f};
+    for (int i = 0; i < count; ++i)
+        QCOMPARE(left[size_t(i)], clamped[size_t(i / blockSize)]);
+}
+
 void TestFusionSteps::differentSizesAreRefused()
 {
     const cv::Mat small = noise({30, 30}, 1);
@@ -489,6 +515,34 @@ void TestFusionSteps::streamedFilterIsChosenHere()
     if (QSysInfo::buildCpuArchitecture() != "x86_64")
         QSKIP("On another processor the library's filter may be the right choice");
     QCOMPARE(GuidedWeights::exactFilter(), GuidedWeights::Filter::Streamed);
+}
+
+void TestFusionSteps::gradientIsOnePassHere()
+{
+    if (QSysInfo::buildCpuArchitecture() != "x86_64")
+        QSKIP("On another processor the library's gradient may be the right choice");
+    QVERIFY(isGradientOnePass());
+}
+
+void TestFusionSteps::blocksFarFromAnEdgeOfTheSelectionAreToldAsConstant()
+{
+    const cv::Size size(20 * blockSize, 80);
+    cv::Mat guide(size, CV_32F);
+    cv::RNG(1).fill(guide, cv::RNG::UNIFORM, 0.0, 80.0);
+    cv::Mat chosen = cv::Mat::zeros(size, CV_8U);
+    chosen.colRange(10 * blockSize, size.width).setTo(255);
+    GuidedWeights weights(padded(guide), padded(chosen), false, GuidedWeights::Filter::Streamed);
+    std::vector<float> row(size_t(size.width));
+    std::vector<BlockKind> kinds(20);
+    // Each of two windows of 15 pixels reaches a block further to each side of the edge.
+    std::vector<BlockKind> expected(20, BlockKind::Mixed);
+    std::fill(expected.begin(), expected.begin() + 8, BlockKind::AllZero);
+    std::fill(expected.begin() + 12, expected.end(), BlockKind::AllOne);
+    for (int y = 0; y < 60; ++y) {
+        weights.next(row.data(), kinds.data());
+        if (y >= 30)
+            QVERIFY2(kinds == expected, qPrintable(QString("row %1").arg(y)));
+    }
 }
 
 void TestFusionSteps::smallPicturesOfEverySizeFuseLiterally_data()

@@ -455,8 +455,7 @@ void TestMainScene::threeVerticesMakeAPolygon()
     mouse.click({{10, 10}, {110, 10}, {110, 60}});
     mouse.doubleClick({110, 60});
     QCOMPARE(scene.items().size(), 1);
-    QCOMPARE(handles(scene.items().constFirst()),
-             (QList<QPointF>{{10, 10}, {110, 10}, {110, 60}}));
+    QCOMPARE(handles(scene.items().constFirst()), (QList<QPointF>{{10, 10}, {110, 10}, {110, 60}}));
 }
 
 void TestMainScene::doubleClickBelowThreeVerticesDropsThePolygon()

@@ -158,6 +158,7 @@ private slots:
     void wheelWithoutAPageDoesNothing();
     void wheelOverAPictureLeavesTheFocusAlone();
     void wheelOnTheLivePageStepsTheFocus();
+    void wheelStepsFromTheCamerasPosition();
     void wheelWithControlStepsTheLiveZoom();
     void controlCountsAlsoWhenThePictureHasTheFocus();
     void resolutionChangeFillsTheScreen();
@@ -1171,6 +1172,26 @@ void TestTavorin::wheelOnTheLivePageStepsTheFocus()
     slider->setValue(100);
     turnWheel(live, -120);
     QCOMPARE(slider->value(), 0);
+}
+
+void TestTavorin::wheelStepsFromTheCamerasPosition()
+{
+    MainWindow window;
+    window->show();
+    ModalAnswers answers;
+    answers.press(QMessageBox::Ok);
+    simulatedMicroscope().setMotorSpeed(1e6);
+    simulatedMicroscope().plugIn({"Orvane_A", "a"});
+    emit window.part<DeviceWidget>("page_1")->cameraWork(0, "Orvane_A", "a");
+    QTRY_COMPARE(window.status(), QString("连接成功"));
+    const QSlider *slider = manualFocusAt100(window);
+    const auto focus = [] { return MyCamera::readCameraInfo().focus; };
+    QTRY_COMPARE(focus(), 100);
+    turnWheel(window.currentPage(), 120);
+    QCOMPARE(slider->value(), 101);
+    QTRY_COMPARE(focus(), 101);
+    turnWheel(window.currentPage(), -120);
+    QCOMPARE(slider->value(), 100);
 }
 
 void TestTavorin::wheelWithControlStepsTheLiveZoom()
