@@ -506,7 +506,7 @@ void TestTavorinTools::movedCrosshairLinesAreStoredWithinASecond()
     live->setCrossHorCount(1);
     window->onCrossChangedTimeOut();
     QVERIFY(!QFile::exists("corss.ini"));
-    window->crossStatusChanged(nullptr);
+    emit live->crossStatusChanged(nullptr);
     QVERIFY(!QFile::exists("corss.ini")); // not on each movement
     QTRY_COMPARE(readCrosses().size(), 1);
 }
@@ -531,7 +531,7 @@ void TestTavorinTools::propertiesOfACrosshairLineOpenInCrosshairMode()
         answers.press(QMessageBox::Yes);
         dialog->findChild<QPushButton *>("pushButton")->click(); // delete
     });
-    window->crossStatusChanged(sceneOf(live).crossLines().first());
+    emit live->crossStatusChanged(sceneOf(live).crossLines().first());
     QCOMPARE(answers.seen(), QStringList({"属性", deletePrompt}));
     QCOMPARE(sceneOf(live).crossHorCount(), 1);
     window->onCrossChangedTimeOut();
