@@ -41,7 +41,6 @@ void magnitudeRow(const Rows &rows, int width, int end, float *out)
 {
     out[0] = magnitudeAt(rows, 1, 0, 1);
     int x = 1;
-#if CV_SIMD128
     const auto across = [&x](const float *row) {
         return cv::v_load(row + x + 1) - cv::v_load(row + x - 1);
     };
@@ -55,7 +54,6 @@ void magnitudeRow(const Rows &rows, int width, int end, float *out)
         const auto gy = smooth(rows.below) - smooth(rows.above);
         cv::v_store(out + x, cv::v_abs(gx) + cv::v_abs(gy));
     }
-#endif
     for (; x < end; ++x)
         out[x] = magnitudeAt(rows, x - 1, x, x + 1 < width ? x + 1 : x - 1);
 }

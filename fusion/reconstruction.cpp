@@ -7,7 +7,6 @@
 
 namespace {
 
-#if CV_SIMD128
 using Floats = std::array<cv::v_float32x4, 4>;
 
 Floats toFloats(const cv::v_uint8x16 &bytes)
@@ -43,11 +42,9 @@ Floats loadFloats(const float *p)
 {
     return {cv::v_load(p), cv::v_load(p + 4), cv::v_load(p + 8), cv::v_load(p + 12)};
 }
-#endif
 
 void normaliseBlock(float *first, float *second, bool divide)
 {
-#if CV_SIMD128
     const auto one = cv::v_setall_f32(1.0f);
     for (int x = 0; x < blockSize; x += 4) {
         auto a = cv::v_load(first + x);
@@ -58,22 +55,12 @@ void normaliseBlock(float *first, float *second, bool divide)
         cv::v_store(first + x, a / divisor);
         cv::v_store(second + x, b / divisor);
     }
-#else
-    for (int x = 0; x < blockSize; ++x) {
-        const float a = first[x] > 1.0f ? 1.0f : first[x];
-        const float b = second[x] > 1.0f ? 1.0f : second[x];
-        const float divisor = divide ? a + b : 1.0f;
-        first[x] = a / divisor;
-        second[x] = b / divisor;
-    }
-#endif
 }
 
 /// The pixels of at most one block.
 void addWeighted(const std::array<const uchar *, 2> &frames,
                  const std::array<const float *, 2> &weights, uchar *out, int count)
 {
-#if CV_SIMD128
     if (count == blockSize) {
         const Floats wa = loadFloats(weights[0]);
         const Floats wb = loadFloats(weights[1]);
@@ -85,7 +72,6 @@ void addWeighted(const std::array<const uchar *, 2> &frames,
         cv::v_store_interleave(out, a[0], a[1], a[2]);
         return;
     }
-#endif
     for (int x = 0; x < count; ++x) {
         for (int c = 3 * x; c < 3 * x + 3; ++c)
             out[c] = cv::saturate_cast<uchar>(frames[0][c] * weights[0][x] +

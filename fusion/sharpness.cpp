@@ -32,9 +32,7 @@ int gradientAt(const Rows &r, int x)
 /// A whole gradient is at most 2040, so eight of them fit in 16 bits each.
 quint64 gradientSum(const Rows &r, int width)
 {
-    quint64 sum = 0;
     int x = 0;
-#if CV_SIMD128
     const auto load = [](const uchar *p) { return cv::v_reinterpret_as_s16(cv::v_load_expand(p)); };
     cv::v_uint32x4 sums = cv::v_setzero_u32();
     for (; x + 8 <= width; x += 8) {
@@ -49,8 +47,7 @@ quint64 gradientSum(const Rows &r, int width)
         cv::v_expand(cv::v_abs(gx) + cv::v_abs(gy), low, high);
         sums += low + high;
     }
-    sum = cv::v_reduce_sum(sums);
-#endif
+    quint64 sum = cv::v_reduce_sum(sums);
     for (; x < width; ++x)
         sum += quint64(gradientAt(r, x));
     return sum;
