@@ -82,6 +82,7 @@ private slots:
     void plainPicturesHaveNone();
     void lengthsThatDisagree_data();
     void lengthsThatDisagree();
+    void documentOfMoreThan128MegabytesIsNotRead();
     void everyTruncationIsSurvived();
 
     // writing
@@ -187,6 +188,20 @@ void TestAnnotations::lengthsThatDisagree()
     QFETCH(qint32, inFront);
     QFETCH(QByteArray, read);
     QCOMPARE(readBack("picture" + bigEndian(inFront) + "[1,2]" + bigEndian(5) + magic), read);
+}
+
+void TestAnnotations::documentOfMoreThan128MegabytesIsNotRead()
+{
+    const WorkingDirectory directory;
+    const qint32 length = 128 * 1024 * 1024 + 1;
+    QFile file("picture.jpg"); // of a hole, which takes no room on most disks
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(4 + length));
+    file.write(bigEndian(length));
+    QVERIFY(file.seek(4 + length));
+    file.write(bigEndian(length) + magic);
+    file.close();
+    QCOMPARE(readAnnotationTrailer("picture.jpg").size(), 0);
 }
 
 void TestAnnotations::everyTruncationIsSurvived()
