@@ -22,10 +22,12 @@ private slots:
     void frameIsScaledInDevicePixels();
     void frameOfAsManyPixelsIsShownUnchanged();
     void frameOfTheLabelsSizeIsNotCopied();
+    void everyFrameIsPainted();
     void nothingBehindAFrameIsPainted();
     void wheelOverAScrollableAreaReachesTheWindow();
     void middlePressReachesTheWindow();
     void leftPressOnTheViewStaysThere();
+    void keysStayWithTheView();
 
     void overlayLetsThePictureThrough();
     void overlayPaintsWhatAPlainViewPaints_data();
@@ -64,6 +66,21 @@ public:
 protected:
     void wheelEvent(QWheelEvent *) override { ++wheels; }
     void mousePressEvent(QMouseEvent *event) override { presses << event->button(); }
+};
+
+/// Counts how often a widget is painted.
+class PaintCounter : public QObject
+{
+public:
+    explicit PaintCounter(QWidget *widget) { widget->installEventFilter(this); }
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
 };
 
 /// A live picture of 120 x 80 in red with a view over it.
@@ -257,6 +274,16 @@ void TestVideoWidget::frameOfTheLabelsSizeIsNotCopied()
     QCOMPARE(label.scaledFrame().cacheKey(), frame.cacheKey());
 }
 
+void TestVideoWidget::everyFrameIsPainted()
+{
+    LivePicture live;
+    const PaintCounter paints(live.video->content());
+    for (int frame = 1; frame <= 3; ++frame) {
+        live.showFrame(Qt::blue);
+        QCOMPARE(paints.count, frame);
+    }
+}
+
 void TestVideoWidget::nothingBehindAFrameIsPainted()
 {
     ShowLabel label;
@@ -307,6 +334,13 @@ void TestVideoWidget::leftPressOnTheViewStaysThere()
     live.addItem({0, 0, 120, 80}, Qt::green)->setFlag(QGraphicsItem::ItemIsMovable);
     QTest::mouseClick(live.view->viewport(), Qt::LeftButton);
     QVERIFY(live.window.presses.isEmpty());
+}
+
+void TestVideoWidget::keysStayWithTheView()
+{
+    const LivePicture live;
+    QCOMPARE(live.video->focusPolicy(), Qt::NoFocus);
+    QVERIFY(live.view->focusPolicy() & Qt::ClickFocus);
 }
 
 void TestVideoWidget::overlayLetsThePictureThrough()
