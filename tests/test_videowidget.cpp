@@ -277,7 +277,7 @@ void TestVideoWidget::frameOfTheLabelsSizeIsNotCopied()
 void TestVideoWidget::everyFrameIsPainted()
 {
     LivePicture live;
-    const PaintCounter paints(live.video->content());
+    PaintCounter paints(live.video->content());
     for (int frame = 1; frame <= 3; ++frame) {
         live.showFrame(Qt::blue);
         QCOMPARE(paints.count, frame);
