@@ -121,6 +121,7 @@ private slots:
     void toolChosenMeanwhileStays();
     void pressesMeanwhileAreNotServed();
     void shapeDeletedMeanwhileIsGivenUp();
+    void deletedShapeIsNotAnnounced();
     void allShapesDeletedMeanwhile();
     void sceneDeletedMeanwhile();
     void secondDocumentWaitsForTheFirst();
@@ -644,6 +645,22 @@ void TestAnnotations::shapeDeletedMeanwhileIsGivenUp()
     QCOMPARE(scene.items().size(), 2);
     QCOMPARE(handles(scene.items()[0]), (QList<QPointF>{{10, 10}, {60, 10}}));
     QCOMPARE(handles(scene.items()[1]), (QList<QPointF>{{10, 30}, {80, 30}}));
+}
+
+void TestAnnotations::deletedShapeIsNotAnnounced()
+{
+    PageScene scene;
+    QList<int> announced;
+    connect(&scene, &MainScene::itemUpdate, this, [&](Base *record) {
+        announced.append(scene.itemIndex(record));
+        // When its last point has come, and its announcement waits.
+        if (announced.size() == 1)
+            later(&scene, [&] { scene.removeItemAt(0); });
+    });
+    scene.loadJson(threeLines);
+    QCOMPARE(scene.items().size(), 2);
+    QVERIFY(announced.size() > 2);
+    QVERIFY(!announced.contains(-1));
 }
 
 void TestAnnotations::allShapesDeletedMeanwhile()

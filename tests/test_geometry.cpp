@@ -391,6 +391,8 @@ void TestGeometry::handlesAndCrossLinesClampDifferently_data()
     QTest::addColumn<QPointF>("handle");
     QTest::addColumn<QPointF>("cross");
     QTest::newRow("inside") << QPointF(30, 40) << QPointF(30, 40) << QPointF(30, 40);
+    QTest::newRow("just inside the near edges")
+        << QPointF(0.5, 0.25) << QPointF(0.5, 0.25) << QPointF(0.5, 0.25);
     QTest::newRow("left above") << QPointF(-3, -4) << QPointF(0, 0) << QPointF(0, 0);
     QTest::newRow("right below") << QPointF(1200, 900) << QPointF(1000, 800) << QPointF(999, 799);
     QTest::newRow("on the far edges")

@@ -115,6 +115,7 @@ private slots:
     // focus mode
     void focusClickTellsTheCell_data();
     void focusClickTellsTheCell();
+    void focusClickBesideTheSceneShowsNoFrame();
     void focusClickLeavesTheShapeUnderConstruction();
     void focusClickIsPickedWithAnyTool();
     void doubleClickInFocusModeLeavesTheShapeUnderConstruction();
@@ -934,6 +935,19 @@ void TestMainScene::focusClickTellsTheCell()
     QCOMPARE(picked.size(), 1);
     QCOMPARE(picked[0][0].toInt(), column);
     QCOMPARE(picked[0][1].toInt(), row);
+}
+
+void TestMainScene::focusClickBesideTheSceneShowsNoFrame()
+{
+    MainScene scene;
+    scene.setSceneRect(0, 0, 340, 300);
+    scene.setBlinkFlags(true, false, true);
+    SceneMouse mouse(scene);
+    mouse.click({50, -1});
+    mouse.click({-1, 50});
+    QVERIFY(!focusRect(scene));
+    mouse.click({50, 50});
+    QVERIFY(focusRect(scene));
 }
 
 void TestMainScene::focusClickLeavesTheShapeUnderConstruction()

@@ -41,6 +41,7 @@ private slots:
     void selectedShapeLeadsItsHandles();
     void boundsAreTenLarger();
     void nothingIsDrawnBeforeThePathExists();
+    void outlinesAlwaysHaveTheirExtraPart();
     void changeIsAnnouncedOnce();
     void textArrowAnnouncesEveryPaint();
     void missingPointsLeaveThePathAsItWas();
@@ -398,6 +399,15 @@ void TestPathItems::nothingIsDrawnBeforeThePathExists()
     shapes.paint();
     QCOMPARE(record->text()->pos(), QPointF(0, -500));
     QCOMPARE(record->item()->shape(), QPainterPath());
+}
+
+void TestPathItems::outlinesAlwaysHaveTheirExtraPart()
+{
+    ShapeScene shapes;
+    QImage image(10, 10, QImage::Format_RGB32);
+    QPainter painter(&image);
+    for (int type : {9, 10, 11})
+        QVERIFY(shapes.place(type, circle)->item()->paintExtra(&painter));
 }
 
 void TestPathItems::changeIsAnnouncedOnce()

@@ -50,11 +50,13 @@ private slots:
     void parallelSegmentsHaveNoIntersectionAndNoDashes();
 
     void calibrationMeasureHasTicks();
+    void calibrationMeasureFollowsItsEnd();
     void calibrationMeasureOfOnePointStaysAsItWas();
     void calibrationMeasureAnnouncesNothing();
     void operationsWithoutAReadout();
     void paintExtraTellsWhetherThePartIsThere();
 
+    void rectangleAtTheOriginLeadsItsHandles();
     void degenerateShapesAreQuietAndComeToRest_data();
     void degenerateShapesAreQuietAndComeToRest();
     void shapesUnderConstructionComeToRest_data();
@@ -178,6 +180,8 @@ void TestSegmentItems::boundsAreTenLarger_data()
                          << QRectF(90, 90, 250, 60);
     QTest::newRow("Ang, with the intersection")
         << 6 << Points{{300, 300}, {200, 300}, {100, 200}, {100, 100}} << QRectF(90, 90, 220, 220);
+    QTest::newRow("Ang, with the intersection beyond both")
+        << 6 << Points{{100, 100}, {200, 100}, {210, 20}, {230, 60}} << QRectF(90, 10, 170, 100);
     QTest::newRow("Ang without one") << 6 << Points{{300, 300}, {200, 300}, {300, 200}, {200, 200}}
                                      << QRectF(190, 190, 120, 120);
     QTest::newRow("Rect from bottom right to top left")
@@ -516,6 +520,18 @@ void TestSegmentItems::calibrationMeasureHasTicks()
     QCOMPARE(inkOn(image, {500, 290}, {500, 210}), 80);
 }
 
+void TestSegmentItems::calibrationMeasureFollowsItsEnd()
+{
+    ShapeScene shapes;
+    Base *record = shapes.place(16, {{300, 300}, {500, 300}});
+    shapes.paint();
+    record->moveLastPoint({600, 300});
+    shapes.paint();
+    const auto *measure = itemOf<GraphicsLCali>(record);
+    QCOMPARE(measure->measureB(), QPointF(600, 300));
+    QCOMPARE(measure->lineB(), QLineF(600, 200, 600, 400));
+}
+
 void TestSegmentItems::calibrationMeasureOfOnePointStaysAsItWas()
 {
     ShapeScene shapes;
@@ -559,6 +575,16 @@ void TestSegmentItems::paintExtraTellsWhetherThePartIsThere()
     }
     QVERIFY(shapes.place(1, clicks)->item()->paintExtra(&painter));
     QVERIFY(shapes.place(16, clicks)->item()->paintExtra(&painter));
+}
+
+void TestSegmentItems::rectangleAtTheOriginLeadsItsHandles()
+{
+    ShapeScene shapes;
+    const Base *record = shapes.place(7, {{0, 0}, {100, 50}});
+    record->item()->setSelected(true);
+    record->item()->setPos(10, 20);
+    QCOMPARE(record->points()[0]->pos(), QPointF(10, 20));
+    QCOMPARE(record->points()[1]->pos(), QPointF(110, 70));
 }
 
 void TestSegmentItems::degenerateShapesAreQuietAndComeToRest_data()

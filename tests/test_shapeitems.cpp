@@ -33,6 +33,8 @@ private slots:
     void shapeStopsAtTheEdges_data();
     void shapeStopsAtTheEdges();
     void fastDragStopsAtTheEdgeToo();
+    void shapeNextToAnEdgeSlidesAlongIt();
+    void draggedAgainGoesOnFromThere();
     void shapeKeepsItsPlaceWhenItIsUnselectedBeforeThePaint();
     void shapeMovedWithoutBeingSelectedLeavesItsHandles();
     void draggedLevelLineTakesItsHandlesAlong();
@@ -271,6 +273,29 @@ void TestShapeItems::fastDragStopsAtTheEdgeToo()
     shapes.paint();
     QCOMPARE(handlesOf(record), (QVector<QPointF>{{0, 300}, {150, 200}}));
     QCOMPARE(record->item()->pos(), QPointF(-100, 0));
+}
+
+void TestShapeItems::shapeNextToAnEdgeSlidesAlongIt()
+{
+    ShapeScene shapes;
+    Base *record = shapes.place(1, {{0.5, 50}, {100.5, 200}});
+    drag(record->item(), {0, -60});
+    QCOMPARE(handlesOf(record), (QVector<QPointF>{{0.5, 0}, {100.5, 150}}));
+    Base *level = shapes.place(1, {{50, 0.5}, {200, 100.5}});
+    drag(level->item(), {-60, 0});
+    QCOMPARE(handlesOf(level), (QVector<QPointF>{{0, 0.5}, {150, 100.5}}));
+}
+
+void TestShapeItems::draggedAgainGoesOnFromThere()
+{
+    ShapeScene shapes;
+    Base *record = shapes.place(1, {{100, 100}, {200, 100}});
+    drag(record->item(), {30, 40});
+    drag(record->item(), {5, 6});
+    QCOMPARE(handlesOf(record), (QVector<QPointF>{{135, 146}, {235, 146}}));
+    // By more than the way back to the edge.
+    drag(record->item(), {-200, -200});
+    QCOMPARE(handlesOf(record), (QVector<QPointF>{{0, 0}, {100, 0}}));
 }
 
 void TestShapeItems::shapeKeepsItsPlaceWhenItIsUnselectedBeforeThePaint()
