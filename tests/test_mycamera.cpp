@@ -65,6 +65,17 @@ private slots:
         QCOMPARE(CameraPeriods().pollMs, 1000);
     }
 
+    // ---- Watching
+
+    void tellsOfADeviceThatCannotBeOpened()
+    {
+        MyCamera camera(quick());
+        QSignalSpy access(&camera, &MyCamera::accessChange);
+        scriptedCapture().attach({{"Orvane_A", "usb-1", "no right"}});
+        QTRY_VERIFY(access.size() > 0 &&
+                    access.last()[0].toStringList() == QStringList("no right"));
+    }
+
     // ---- Opening
 
     void constructionWatchesTheDevicesButLeavesTheCaptureAlone()

@@ -199,6 +199,9 @@ void TestPictureFile::jpegCarriesItsScale_data()
 
     QTest::newRow("the finest is 65535 a centimetre")
         << 6553500.0 << QByteArray::fromHex("02ffffffff");
+    // 254.508 an inch are 0.19 % from 255, 100.2 a centimetre 0.2 % from 100.
+    QTest::newRow("the unit that fits better, by its share")
+        << 10020.0 << QByteArray::fromHex("0100ff00ff");
     QTest::newRow("10 um a pixel is 1000 a centimetre")
         << 100000.0 << QByteArray::fromHex("0203e803e8");
     QTest::newRow("6.35 um a pixel is 4000 an inch")
