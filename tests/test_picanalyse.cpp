@@ -80,6 +80,8 @@ private slots:
     void pictureOfNineRowsIsNotFused();
     void sweepGoesOnAfterARefusedFrame();
 
+    void sweepRefusesPicturesOfOtherKinds();
+
     void everyRunLeavesTheMotorItsTime();
 
     void debugFilesAreNumberedByFramesReceived();
@@ -284,6 +286,15 @@ void TestPicAnalyse::sweepGoesOnAfterARefusedFrame()
         expected.add(stackFrame(i));
         QCOMPARE(analysed(analysis, stackFrame(i)).toImage(), expected.pix().toImage());
     }
+}
+
+void TestPicAnalyse::sweepRefusesPicturesOfOtherKinds()
+{
+    std::ostringstream times;
+    FusionSweep sweep(times);
+    for (cv::Mat frame : {cv::Mat(), cv::Mat(0, 0, CV_8UC3), cv::Mat(25, 25, CV_8UC4)})
+        QVERIFY_EXCEPTION_THROWN(sweep.add(frame), cv::Exception);
+    QVERIFY(sweep.isEmpty());
 }
 
 void TestPicAnalyse::everyRunLeavesTheMotorItsTime()

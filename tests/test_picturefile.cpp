@@ -29,6 +29,7 @@ private slots:
     void withoutAScaleNoFileClaimsOne_data();
     void withoutAScaleNoFileClaimsOne();
     void aPicturesOwnDensityIsNoScale();
+    void aJpegIsAsGoodAsAskedFor();
     void formatOverrulesTheExtension();
     void unknownFormatWritesNothing_data();
     void unknownFormatWritesNothing();
@@ -279,6 +280,22 @@ void TestPictureFile::aPicturesOwnDensityIsNoScale()
     image.setDotsPerMeterY(11811);
     QVERIFY(writePicture(image, "a.png", 100, 0.0));
     QVERIFY(!directory.read("a.png").contains("pHYs"));
+}
+
+void TestPictureFile::aJpegIsAsGoodAsAskedFor()
+{
+    const WorkingDirectory directory;
+    QImage fine(64, 64, QImage::Format_RGB32);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x)
+            fine.setPixel(x, y, (x + y) % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+    QVERIFY(writePicture(fine, "best.jpg", 100, 0.0));
+    QVERIFY(writePicture(fine, "small.jpg", 10, 0.0));
+    QVERIFY(writePicture(fine, "usual.jpg", -1, 0.0));
+    const int best = directory.read("best.jpg").size();
+    const int usual = directory.read("usual.jpg").size();
+    QVERIFY(best > usual);
+    QVERIFY(usual > directory.read("small.jpg").size());
 }
 
 void TestPictureFile::formatOverrulesTheExtension()
