@@ -494,10 +494,18 @@ void TestMainScene::hiddenShapeUnderConstructionShowsWhenItIsFinished()
     scene.setCurrentHidden(true);
     scene.setDrawType(1);
     mouse.click({10, 10});
-    QVERIFY(!scene.current()->item()->isVisible());
+    QVERIFY(itemsInScene(scene) > 0);
+    for (const QGraphicsItem *item : scene.QGraphicsScene::items())
+        QVERIFY(!item->isVisible());
     mouse.click({110, 10});
     QCOMPARE(scene.items().size(), 1);
-    QVERIFY(scene.items().constFirst()->item()->isVisible());
+    for (const QGraphicsItem *item : scene.QGraphicsScene::items())
+        QVERIFY(item->isVisible());
+    scene.setDrawType(9);
+    mouse.click({50, 50});
+    scene.setCurrentHidden(false);
+    for (const QGraphicsItem *item : scene.QGraphicsScene::items())
+        QVERIFY(item->isVisible());
 }
 
 void TestMainScene::doubleClickOnOtherShapesAddsNoPoint()
