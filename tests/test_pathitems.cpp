@@ -406,7 +406,7 @@ void TestPathItems::outlinesAlwaysHaveTheirExtraPart()
     ShapeScene shapes;
     QImage image(10, 10, QImage::Format_RGB32);
     QPainter painter(&image);
-    for (int type : {9, 10, 11})
+    for (int type : {9, 10, 11, 15})
         QVERIFY(shapes.place(type, circle)->item()->paintExtra(&painter));
 }
 
