@@ -20,6 +20,7 @@
 #include <QTest>
 #include <QTranslator>
 
+#include <functional>
 #include <memory>
 
 namespace {
@@ -86,6 +87,15 @@ struct Form
         remove->click();
         QVERIFY(question.wasAsked());
     }
+};
+
+/// What an operator does first when the dialog's object has gone.
+using Touch = std::function<void(Form &)>;
+const Touch touches[] = {
+    [](Form &f) { f.width->setValue(3); },
+    [](Form &f) { f.lock->click(); },
+    [](Form &f) { f.choose(QColor(10, 20, 30)); },
+    [](Form &) {},
 };
 
 bool isMovable(const QGraphicsItem *item)
@@ -314,27 +324,27 @@ void TestDrawChangeDialog::anotherKindHasNoObjectAndCountsAsLocked()
 
 void TestDrawChangeDialog::aLineThatGoesAwayMeanwhileIsLeftAlone()
 {
-    Scene scene;
-    Form f(scene.cross(), crossKind);
-    scene.setCrossHorCount(0);
-    f.width->setValue(3);
-    f.lock->click();
-    f.choose(QColor(10, 20, 30));
-    QCOMPARE(scene.cross()->pen().width(), 2);
-    f.pressDelete(QMessageBox::Yes);
-    QVERIFY(!f.dialog.isVisible());
-    QCOMPARE(scene.crossLines().size(), 1);
+    for (const Touch &touch : touches) {
+        Scene scene;
+        Form f(scene.cross(), crossKind);
+        scene.setCrossHorCount(0);
+        touch(f);
+        QCOMPARE(scene.cross()->pen().width(), 2);
+        f.pressDelete(QMessageBox::Yes);
+        QVERIFY(!f.dialog.isVisible());
+        QCOMPARE(scene.crossLines().size(), 1);
+    }
 }
 
 void TestDrawChangeDialog::aShapeThatGoesAwayMeanwhileIsLeftAlone()
 {
-    Scene scene;
-    Form f(scene.line(), shapeKind);
-    scene.clearItems();
-    f.width->setValue(3);
-    f.lock->click();
-    f.choose(QColor(10, 20, 30));
-    QVERIFY(scene.items().isEmpty());
+    for (const Touch &touch : touches) {
+        Scene scene;
+        Form f(scene.line(), shapeKind);
+        scene.clearItems();
+        touch(f);
+        QVERIFY(scene.items().isEmpty());
+    }
 }
 
 void TestDrawChangeDialog::aSceneThatGoesAwayMeanwhileIsLeftAlone()
