@@ -89,7 +89,7 @@ struct Form
     }
 };
 
-/// What an operator does first when the dialog's object has gone.
+/// What an operator does first when the dialog's object has gone, before closing it.
 using Touch = std::function<void(Form &)>;
 const Touch touches[] = {
     [](Form &f) { f.width->setValue(3); },
@@ -343,6 +343,7 @@ void TestDrawChangeDialog::aShapeThatGoesAwayMeanwhileIsLeftAlone()
         Form f(scene.line(), shapeKind);
         scene.clearItems();
         touch(f);
+        f.dialog.close();
         QVERIFY(scene.items().isEmpty());
     }
 }

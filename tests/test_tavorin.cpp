@@ -9,6 +9,7 @@
 #include "tests/support/modalanswers.h"
 #include "tests/support/scenemouse.h"
 #include "tests/support/system.h"
+#include "tests/support/windowsweep.h"
 
 #include <QActionGroup>
 #include <QButtonGroup>
@@ -1178,12 +1179,8 @@ void TestTavorin::wheelStepsFromTheCamerasPosition()
 {
     MainWindow window;
     window->show();
-    ModalAnswers answers;
-    answers.press(QMessageBox::Ok);
     simulatedMicroscope().setMotorSpeed(1e6);
-    simulatedMicroscope().plugIn({"Orvane_A", "a"});
-    emit window.part<DeviceWidget>("page_1")->cameraWork(0, "Orvane_A", "a");
-    QTRY_COMPARE(window.status(), QString("连接成功"));
+    streamFromCamera(window, 4, QSize(640, 480));
     const QSlider *slider = manualFocusAt100(window);
     const auto focus = [] { return MyCamera::readCameraInfo().focus; };
     QTRY_COMPARE(focus(), 100);
