@@ -228,6 +228,7 @@ void TestShowWidgetFiles::shapesThatAreFirstPaintedLaterMarkNothing()
     writePng("a.png", trailer(shapes));
     ShownPage shown;
     shown.page.setVisible(visible);
+    // Three shapes that outlast the delay.
     connect(&shown.scene, &MainScene::itemInsert, this, [] { QThread::msleep(30); });
     shown.page.openFile("a.png");
     QTRY_COMPARE(shown.list->count(), 3);
